@@ -1,0 +1,407 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include "engine/Python.h"
+#include "engine/Package.h"
+#include "log/Log.h"
+
+#include <QHash>
+#include <QObject>
+#include <QSet>
+#include <QString>
+#include <QStringList>
+
+#include <csignal>
+#include <vector>
+
+#include <QMutex>
+
+class HProgressBar;
+class QEventLoop;
+class QThread;
+class QWidget;
+class YumIOCapturers;
+class YumIODialogs;
+
+namespace Progress
+{
+class Object;
+}
+
+/// The one engine object: loads the script, owns all package entries and the log, and runs every long
+/// operation on a work thread while the GUI thread spins a local event loop. Failures are reported in a
+/// dialog and the log and give false, null or an empty text; nothing throws.
+///
+/// Unless stated otherwise members are for the GUI thread. Each group below is headed by the file that
+/// it lives in.
+class YumIO : public QObject, protected Python
+{
+    Q_OBJECT
+
+public:
+    /// What a row is found by: group or package, name, and for a package its `biArch`.
+    struct EntryKey {
+        EntryKey(bool group, const QString& name, const QString& arch)
+            : group(group)
+            , name(name)
+            , arch(arch)
+        {
+        }
+
+        bool operator==(const EntryKey& other) const
+        {
+            return group == other.group && name == other.name && arch == other.arch;
+        }
+
+        bool group;
+        QString name;
+        QString arch;
+    };
+
+    using EntryHash = QHash<EntryKey, Package::Entry*>;
+
+    /// What a step of a collection does.
+    enum RepoAct {
+        ActMirrorList = 0,
+        ActRepomd = 1,
+        ActGroups = 2,
+        ActContents = 3,
+        ActConvert = 4,
+        ActRead = 5,
+    };
+
+    /// One download of a batch. The number that it turns into is its only comparison and hash.
+    class ThreadId
+    {
+    public:
+        ThreadId() = default;
+        ThreadId(const QString& name, RepoAct act)
+            : name(name)
+            , act(act)
+        {
+        }
+        operator long() const { return static_cast<long>(qHash(name)) + act; }
+
+    private:
+        QString name;
+        RepoAct act = ActMirrorList;
+    };
+
+    // ---- YumIO.cpp: life, work threads -------------------------------------------------------------
+
+    YumIO();
+    ~YumIO() override;
+
+    /// Gives the engine its dialogs' parent and the two bars; none is owned. Once, before initialize().
+    void setup(QWidget* parent, HProgressBar* total, HProgressBar* item);
+    /// Starts the interpreter and the script. A second call with a live script object does nothing.
+    bool initialize();
+    /// Throws the script's object and all entries away and makes a new one.
+    void clear();
+    void clearEntries();
+    /// Drops all entries without touching the interpreter, which is about to go.
+    void clearEntriesBeforeQuit();
+    bool collect(const QHash<QString, bool>& usedRepos);
+    bool collectFileLists();
+    bool collectOtherData();
+
+    Log::EntryList& log() { return logEntries; }
+    bool areFileListsCollected() const { return fileListsCollected; }
+    bool areOtherDataCollected() const { return otherDataCollected; }
+
+    // ---- YumIOEntries.cpp: the rows ----------------------------------------------------------------
+
+    int count() const;
+    Package::EntryList::const_iterator begin() const;
+    Package::EntryList::const_iterator end() const;
+    Package::Entry* operator[](int row) const;
+
+    QString getName(const Package::Entry& entry) const;
+    QString getVerRel(const Package::Entry& entry) const;
+    QString getRepo(const Package::Entry& entry) const;
+    QString getArch(const Package::Entry& entry) const;
+    QString getSize(const Package::Entry& entry) const;
+    QString getSummary(const Package::Entry& entry) const;
+    QString getBuildTime(const Package::Entry& entry) const;
+    QString getState(const Package::Entry& entry) const;
+    QString getKind(const Package::Entry& entry) const;
+
+    // These ask the script's object and take the interpreter lock themselves.
+    QString getDescription(const Package::Entry& entry);
+    QString getGroup(const Package::Entry& entry);
+    QString getVendor(const Package::Entry& entry);
+    QString getBuildHost(const Package::Entry& entry);
+    QString getSourceRpm(const Package::Entry& entry);
+    QString getLicense(const Package::Entry& entry);
+    QString getPackager(const Package::Entry& entry);
+    QString getUrl(const Package::Entry& entry);
+    QString getBinaryRpm(const Package::Entry& entry);
+    QString getInstallTime(const Package::Entry& entry);
+    QString getRelocations(const Package::Entry& entry);
+    QString getProvides(const Package::Entry& entry);
+    QString getRequires(const Package::Entry& entry);
+    QString getConflicts(const Package::Entry& entry);
+    QString getObsoletes(const Package::Entry& entry);
+    QString getRequiredGroups(const Package::Entry& entry);
+    QString getDefaultMetaPkgs(const Package::Entry& entry);
+    QString getOptionalMetaPkgs(const Package::Entry& entry);
+    QString getMandatoryPkgs(const Package::Entry& entry);
+    QString getDefaultPkgs(const Package::Entry& entry);
+    QString getOptionalPkgs(const Package::Entry& entry);
+    QString getConditionalPkgs(const Package::Entry& entry);
+    /// A variable of the package manager, such as "basearch".
+    QString getYumVar(const QString& name);
+
+    // ---- YumIOExtra.cpp: file lists, change logs, relations ----------------------------------------
+
+    /// One path a line, sorted. May load the file lists first, which spins a local event loop.
+    QString getFiles(const Package::Entry& entry);
+    /// May load the change logs first, which spins a local event loop.
+    QString getChangeLog(const Package::Entry& entry);
+
+    // ---- YumIOClean.cpp: caches and capabilities ---------------------------------------------------
+
+    QString yumVersionStr();
+    /// major * 10000 + minor * 100 + patch.
+    long yumVersion();
+    bool hasDistribGroups();
+    bool hasTransTest();
+    bool hasPickledCache();
+    bool hasSqliteCache();
+    bool usesSqlite();
+    bool usesPresto();
+    bool hasMultiProgress();
+
+    bool cleanHeaders();
+    bool cleanPackages();
+    bool cleanXmlMetadata();
+    bool cleanPickledCache();
+    bool cleanSqliteCache();
+    bool cleanAll();
+
+    // ---- YumIOReport.cpp: failures and the log; any thread -----------------------------------------
+
+    void log(Log::Kind kind, unsigned int level, const QString& text);
+    void error(const QString& text);
+    void warning(const QString& text);
+    void error(const char* message) override;
+    void warning(const char* message) override;
+
+    // ---- YumIOCapture.cpp: captured output ---------------------------------------------------------
+
+    void writeStdout(const QString& text);
+    void writeStderr(const QString& text);
+
+    // ---- Called by the script through module yumIOC (YumIOC.cpp), on the thread that runs the script.
+    // Each takes the arguments tuple and gives a new reference, or null with TypeError set.
+
+    PyObject* stdoutWrite(PyObject* self, PyObject* args);
+    PyObject* stderrWrite(PyObject* self, PyObject* args);
+    PyObject* log(PyObject* self, PyObject* args);
+    PyObject* errorlog(PyObject* self, PyObject* args);
+    PyObject* collectProgress(PyObject* self, PyObject* args);
+    PyObject* collectGrabMeterStart(PyObject* self, PyObject* args);
+    PyObject* collectGrabMeterUpdate(PyObject* self, PyObject* args);
+    PyObject* collectGrabMeterEnd(PyObject* self, PyObject* args);
+    PyObject* collectGrabMeterFailure(PyObject* self, PyObject* args);
+    PyObject* collectGrabMultiMeterStart(PyObject* self, PyObject* args);
+    PyObject* collectGrabMultiMeterNew(PyObject* self, PyObject* args);
+    PyObject* collectGrabMultiMeterRemove(PyObject* self, PyObject* args);
+    PyObject* collectGrabMultiMeterEnd(PyObject* self, PyObject* args);
+
+Q_SIGNALS:
+    void collectedExtraData();
+
+public Q_SLOTS:
+    void blockerRelease();
+
+protected:
+    /// Start gate of a work thread: closed until the GUI thread's local event loop runs.
+    class Blocker
+    {
+    public:
+        void prepare() { mutex.lock(); }
+        void release() { mutex.unlock(); }
+        void block()
+        {
+            mutex.lock();
+            mutex.unlock();
+        }
+
+    private:
+        QMutex mutex;
+    };
+
+    class CollectThread;
+    class CollectFileListsThread;
+    class CollectOtherDataThread;
+    class ClearEntriesThread;
+
+    // ---- YumIO.cpp ---------------------------------------------------------------------------------
+
+    /// The one place that spins a local event loop while work runs.
+    void execWorkThread(QEventLoop& loop, QThread& thread);
+    void clearEntriesReal();
+
+    // ---- YumIOCollect.cpp: collection; work thread, lock held --------------------------------------
+
+    bool collectReal(const QHash<QString, bool>& usedRepos);
+    void useRepos(PyObject* repos, const QHash<QString, bool>& usedRepos);
+    QStringList collectRepos(PyObject* repositories);
+    bool collectField(EntryHash& hash, PyObject* holder, const char* field, Package::State state);
+    bool collectSet(EntryHash& hash, PyObject* iterable, Package::State state);
+    bool collectPkg(Package::Entry*& slot, Package::State state, PyObject* package);
+    Package::Kind getPkgKind(PyObject* package);
+
+    // ---- YumIOFind.cpp: entries by name ------------------------------------------------------------
+
+    Package::Entry* findPackage(const QString& name);
+    Package::Entry* findPackage(const QString& name, bool (YumIO::*predicate)(Package::Entry*));
+    /// The slot of entryHash that a package of this name and architecture belongs to; made where absent,
+    /// holding null then.
+    Package::Entry*& findUpdateablePackage(const QString& name, const QString& arch);
+
+    // ---- YumIOGroups.cpp: groups -------------------------------------------------------------------
+
+    bool collectGroups(EntryHash& hash, PyObject* holder);
+    bool collectGroup(Package::Entry*& slot, PyObject* group, const QString& name);
+    bool upToDateGroup(const Package::Entry& entry);
+    bool upToDateGroupGrps(const Package::Entry& entry, const char* field);
+    bool upToDateGroupPkgs(const Package::Entry& entry, const char* field22, const char* field25);
+    PyRef getGroupItem_22(const Package::Entry& entry, const char* field);
+    PyRef getGroupItem_25(const Package::Entry& entry, const char* field);
+    QString getGroupGrps(const Package::Entry& entry, const char* field);
+    QString getGroupPkgs(const Package::Entry& entry, const char* field22, const char* field25);
+
+    // ---- YumIOExtra.cpp ----------------------------------------------------------------------------
+
+    bool collectFileListsReal();
+    bool collectOtherDataReal();
+    QString getPrco(PyObject* package, const char* prefix, const char* word);
+    QString getRpmTime(PyObject* package, const char* tag);
+    QString getRpmList(PyObject* package, const char* tag);
+    PyRef getRpmHdrValue(PyObject* package, const char* tag);
+    QString makeSorted(QStringList& list);
+    QString makeSortedUniq(QStringList& list);
+
+    // ---- YumIOValues.cpp: interpreter values; lock held --------------------------------------------
+    // Those with "Dec" in their names release the reference that they are given.
+
+    QString pyString(PyObject* object);
+    QString pyStringDec(PyObject* object);
+    QString pyStringX(PyObject* object);
+    QString pyStringXDec(PyObject* object);
+    QString pyMappingString(PyObject* mapping, const char* key);
+    long pyTime(PyObject* object);
+    long pyTimeDec(PyObject* object);
+    PyObject* pyDictGetItem(PyObject* dict, const QString& key);
+    const char* pyDescribe(PyObject* object);
+    /// A field of a package by name; empty where the package hasn't got it. Takes the lock itself.
+    QString simpleString(PyObject* object, const char* field);
+    /// The script's family word of an architecture; asked once a word.
+    QString getBiArch(const QString& arch);
+    quint64 sizeOf(PyObject* package);
+    long buildTimeOf(PyObject* package);
+
+public:
+    static QString bytesFormat(unsigned long long bytes);
+    static QString dateFormat(long time);
+    static QString timeFormat(long time);
+
+protected:
+    // ---- YumIOProgress.cpp: collection progress; work thread ---------------------------------------
+
+    void collectStart(void* meter, const QString& name, RepoAct act, long value, long size);
+    void collectUpdate(void* meter, long value);
+    void collectEnd(void* meter, long value);
+    void collectFailure(void* meter);
+
+    // ---- YumIOReport.cpp ---------------------------------------------------------------------------
+
+    void commExceptSetup();
+    bool commExceptRaised(PyObject* result, const QString& action);
+    void pythonException(const QString& message);
+    void pythonExceptionV(const QString& message);
+    void pyExceptExpect(PyObject* exception) override;
+    void pyExceptClear() override;
+    void exceptionExpected() override;
+    bool reapChildren();
+    void sigchldDisable();
+    void sigchldRestore();
+
+    // ---- YumIOCapture.cpp --------------------------------------------------------------------------
+
+    void write(const QString& text, Log::Kind kind, unsigned int level, QString& partial);
+
+    // ---- Fields ------------------------------------------------------------------------------------
+
+    Package::EntryList entries;
+    Package::EntryList noEntries; ///< stays empty; stands in for `entries` while they are torn down
+    EntryHash entryHash;
+    QString basearch;
+    QHash<QString, Package::Entry*> bestByName;
+    QSet<QString> biArchs;
+    bool clearingEntries = false;
+    Log::EntryList logEntries;
+    int exceptLogStart = -1; ///< log length when an exception was last expected; -1 for none
+    bool fileListsCollected = false;
+    bool otherDataCollected = false;
+    QWidget* parentWidget = nullptr;
+    YumIODialogs* dialogs = nullptr;
+    YumIOCapturers* capturers = nullptr; ///< set only within a capture scope
+    PyObject* rpmDict = nullptr;         ///< borrowed from module rpm
+    PyObject* yumIOClass = nullptr;      ///< borrowed from the main module
+    PyObject* yumIO = nullptr;           ///< owned; goes with the interpreter at the end
+    PyObject* reposDict = nullptr;       ///< owned during a collection, null otherwise
+    bool yumLocked = false;
+    bool yumVersionRead = false;
+    QString yumVersionText;
+    bool usesSqliteKnown = false, usesSqliteValue = false;
+    bool usesPrestoKnown = false, usesPrestoValue = false;
+    bool hasMultiProgressKnown = false, hasMultiProgressValue = false;
+    // Exception classes, borrowed from their modules; the optional ones may be null.
+    PyObject* bdbQuit = nullptr;
+    PyObject* yumBaseError = nullptr;
+    PyObject* repoError = nullptr;
+    PyObject* sqliteOperationalError = nullptr;
+    PyObject* lockError = nullptr;
+    PyObject* groupsError = nullptr;
+    PyObject* noMoreMirrorsRepoError = nullptr;
+    QString stdoutPartial, stderrPartial; ///< output not yet ended by a newline
+    Log::Kind stderrKind = Log::Error;
+    unsigned int stderrLevel = 0;
+    HProgressBar* totalBar = nullptr;
+    HProgressBar* itemBar = nullptr;
+    Progress::Object* progress = nullptr; ///< set only while a work thread runs
+
+    /// Collection progress; touched only by the work thread.
+    struct CollectState {
+        QStringList repos;     ///< ids of the enabled repositories
+        QString contentsLabel; ///< the word for what ActContents fetches
+        int act = 0;           ///< the act number reached
+        int lastTotal = 0;
+        QString lastName;
+        bool multiActive = false;
+        bool multiStarted = false;
+        long long multiFiles = 0;
+        long long multiSize = 0;
+        unsigned int nextThread = 0;
+        QHash<void*, unsigned int> meterThreads;
+        std::vector<ThreadId> threadIds;
+        QHash<ThreadId, unsigned int> idThreads;
+    } collectState;
+
+    struct ApplyState {
+        QString transactionText;
+        bool transactionListed = false;
+    } applyState;
+
+    struct sigaction oldSigchld {
+    };
+    Blocker blocker;
+
+private:
+    QHash<QString, QString> biArchWords; ///< answers of getBiArch
+};
+
+uint qHash(const YumIO::EntryKey& key);

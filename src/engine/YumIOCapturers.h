@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <QObject>
+#include <QSemaphore>
+
+class QSocketNotifier;
+class YumIO;
+class YumIOCapturersMinion;
+
+/// While one exists, what the process writes to descriptors 1 and 2 goes to the log. Made and destroyed
+/// on a work thread; the pipes are read on the GUI thread, whose event loop must run meanwhile.
+class YumIOCapturers : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit YumIOCapturers(YumIO* engine);
+    ~YumIOCapturers() override;
+
+private:
+    YumIOCapturersMinion* minion = nullptr;
+    YumIO* engine;
+    int savedStdout = -1;
+    int savedStderr = -1;
+    int stdoutPipe[2] = {-1, -1};
+    int stderrPipe[2] = {-1, -1};
+};
+
+/// Puts a YumIOCapturers into `slot` for a scope, and the old one back at the end.
+class YumIOCapturersUser
+{
+public:
+    YumIOCapturersUser(YumIOCapturers*& slot, YumIO* engine);
+    ~YumIOCapturersUser();
+    YumIOCapturersUser(const YumIOCapturersUser&) = delete;
+    YumIOCapturersUser& operator=(const YumIOCapturersUser&) = delete;
+
+private:
+    YumIOCapturers*& slot;
+    YumIOCapturers* saved;
+};

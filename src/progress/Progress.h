@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <QElapsedTimer>
+#include <QMetaType>
+#include <QObject>
+#include <QString>
+#include <QVector>
+
+class HProgressBar;
+
+/// A progress count. What it counts (abstract steps, bytes) is the caller's.
+using Steps = quint64;
+
+namespace Progress
+{
+
+class Minion;
+
+/// One parallel download.
+struct ThreadState {
+    enum State { NotStarted = 0, Retrying = 1, InProgress = 2, Complete = 3 };
+
+    QString activity;
+    Steps value = 0;
+    Steps maximum = 1; ///< size of the download; 1 where it isn't known
+    State state = NotStarted;
+};
+
+/// The slots of parallel downloads: a value, deep-copied when it crosses threads. The number of slots is
+/// fixed; a new number means a new object. Slot numbers aren't checked.
+class ThreadsState
+{
+public:
+    ThreadsState() = default;
+    explicit ThreadsState(unsigned int slots_)
+        : threads(static_cast<int>(slots_))
+    {
+    }
+
+    ThreadState& operator[](unsigned int thread) { return threads[static_cast<int>(thread)]; }
+    const ThreadState& operator[](unsigned int thread) const
+    {
+        return threads.at(static_cast<int>(thread));
+    }
+    unsigned int count() const { return static_cast<unsigned int>(threads.size()); }
+
+private:
+    QVector<ThreadState> threads;
+};
+
+/// What the engine tells of a long operation: a total, items within it, acts that share a stretch of the
+/// total evenly, and parallel downloads within an item. It does the arithmetic and draws nothing: one
+/// signal an operation goes to the Minion on the GUI thread. To be used on one thread only.
+class Object : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// The bars aren't owned and must live on the GUI thread.
+    Object(HProgressBar* total, HProgressBar* item);
+    ~Object() override;
+
+    void startTotal(const QString& activity, Steps maximum);
+    void startItem(const QString& activity, Steps totalSteps, Steps itemMaximum);
+    void changeItemActivity(const QString& activity);
+    void setItemValue(Steps value);
+    void setTotalValue(Steps value);
+    void setupItemActs(Steps span, Steps count);
+    void changeItemActs(Steps count);
+    void startItemAct(const QString& activity, Steps itemMaximum, Steps act);
+    void endItemActs();
+    void setupItemActsThreads(const QString& activity, Steps firstAct, Steps endAct,
+                              unsigned int threadCount, Steps itemMaximum);
+    void startItemActThread(const QString& activity, unsigned int thread, Steps maximum);
+    void setItemActsThreadValue(unsigned int thread, Steps value);
+    void endItemActThread(unsigned int thread);
+    void retryItemActThread(unsigned int thread);
+    void endItemActsThreads();
+    void reset();
+
+Q_SIGNALS:
+    void startTotalSig(QString activity, Steps maximum);
+    void startItemSig(QString activity, Steps total, Steps maximum);
+    void changeItemActivitySig(QString activity);
+    void changeItemActsSig(Steps total);
+    void setItemValueSig(Steps total, Steps item);
+    void endItemActsSig(Steps total);
+    void setTotalValueSig(Steps total);
+    void updateThreadsStateSig(const ThreadsState& state);
+    void resetSig();
+
+protected:
+    Steps position(Steps act) const;
+    void updateGui();
+
+    Minion* minion = nullptr;
+    bool sameThread = false;
+    QElapsedTimer valueTime;
+    QElapsedTimer guiTime;
+    Steps totalValue = 0;
+    Steps totalMaximum = 1;
+    Steps itemStart = 0;
+    Steps itemEnd = 0;
+    Steps itemValue = 0;
+    Steps itemMaximum = 1;
+    Steps actsSpan = 0;
+    Steps actsEnd = 0;
+    Steps actCount = 0;
+    Steps actIndex = 0;
+    Steps threadsFirstAct = 0;
+    Steps threadsActCount = 0;
+    ThreadsState threads;
+};
+
+/// Makes an Object on the running thread for a scope and keeps it in `slot`; null again at the end.
+class User
+{
+public:
+    User(Object*& slot, HProgressBar* total, HProgressBar* item);
+    ~User();
+    User(const User&) = delete;
+    User& operator=(const User&) = delete;
+
+private:
+    Object*& slot;
+};
+
+} // namespace Progress
+
+using ThreadsState = Progress::ThreadsState;
+
+Q_DECLARE_METATYPE(Progress::ThreadsState)
