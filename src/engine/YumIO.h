@@ -105,7 +105,7 @@ public:
     bool collectFileLists();
     bool collectOtherData();
 
-    Log::EntryList& log() { return logEntries; }
+    Log::EntryList& getLogEntries() { return logEntries; }
     bool areFileListsCollected() const { return fileListsCollected; }
     bool areOtherDataCollected() const { return otherDataCollected; }
 
