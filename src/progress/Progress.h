@@ -19,7 +19,7 @@ class Minion;
 
 /// One parallel download.
 struct ThreadState {
-    enum State { NotStarted = 0, Retrying = 1, InProgress = 2, Complete = 3 };
+    enum State : qint32 { NotStarted = 0, Retrying = 1, InProgress = 2, Complete = 3 };
 
     QString activity;
     Steps value = 0;
@@ -27,14 +27,14 @@ struct ThreadState {
     State state = NotStarted;
 };
 
-/// The slots of parallel downloads: a value, deep-copied when it crosses threads. The number of slots is
-/// fixed; a new number means a new object. Slot numbers aren't checked.
+/// The slots of parallel downloads: a value, of which each thread has a copy of its own. The number
+/// of slots is fixed; a new number means a new object. Slot numbers aren't checked.
 class ThreadsState
 {
 public:
     ThreadsState() = default;
-    explicit ThreadsState(unsigned int slots_)
-        : threads(static_cast<int>(slots_))
+    explicit ThreadsState(unsigned int count)
+        : threads(static_cast<int>(count))
     {
     }
 
@@ -49,9 +49,10 @@ private:
     QVector<ThreadState> threads;
 };
 
-/// What the engine tells of a long operation: a total, items within it, acts that share a stretch of the
-/// total evenly, and parallel downloads within an item. It does the arithmetic and draws nothing: one
-/// signal an operation goes to the Minion on the GUI thread. To be used on one thread only.
+/// What the engine tells of a long operation: a total, items within it, acts that share a stretch
+/// of the total evenly, and parallel downloads within an item. It does the arithmetic and draws
+/// nothing: one signal an operation goes to the Minion on the GUI thread. To be used on one thread
+/// only, the one that it was made on.
 class Object : public QObject
 {
     Q_OBJECT
@@ -91,7 +92,9 @@ Q_SIGNALS:
     void resetSig();
 
 protected:
+    /// Where act number `act` begins, counted from the start of the acts stretch.
     Steps position(Steps act) const;
+    /// Lets the GUI move on where the long operation runs on the GUI thread itself.
     void updateGui();
 
     Minion* minion = nullptr;
@@ -108,7 +111,7 @@ protected:
     Steps actsEnd = 0;
     Steps actCount = 0;
     Steps actIndex = 0;
-    Steps threadsFirstAct = 0;
+    Steps threadsFirstAct = 0; ///< noted only, as is the next
     Steps threadsActCount = 0;
     ThreadsState threads;
 };
