@@ -32,8 +32,8 @@ struct Entry {
     QString text;
 };
 
-/// The log of one run. It only grows. Writers, on any thread, append to `entries` under `mutex` and call
-/// emitAppended() once after unlocking; readers take the mutex too.
+/// The log of one run. It only grows. Writers, on any thread, append to `entries` under `mutex` and
+/// call emitAppended() once after unlocking; readers take the mutex too.
 class EntryList : public QObject
 {
     Q_OBJECT

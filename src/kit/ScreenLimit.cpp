@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/ScreenLimit.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QWidget>
+
+QSize ScreenLimit::of(const QWidget* widget)
+{
+    // A widget that was never shown belongs to no screen yet on some platforms.
+    const QScreen* screen = widget->screen();
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    const QSize size = screen->geometry().size();
+    return QSize(size.width() * 9 / 10, size.height() * 9 / 10);
+}

@@ -1,0 +1,191 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "log/LogWindow.h"
+
+#include "kit/Colors.h"
+#include "kit/HTextEdit.h"
+
+#include <QEventLoop>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMutexLocker>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QTextCursor>
+#include <QVBoxLayout>
+
+namespace
+{
+
+constexpr int maximumLevel = 10;
+constexpr int defaultLevel = 2;
+// Lines of this level and beyond are of interest to developers only.
+constexpr unsigned int minorLevel = 10;
+
+QString colored(const QString& color, const QString& text)
+{
+    return QStringLiteral("<font color=\"%1\">").arg(color) + text + QLatin1String("</font>");
+}
+
+QString markup(const Log::Entry& entry)
+{
+    QString text = entry.text;
+    Log::Window::htmlProtect(text);
+    switch (entry.kind) {
+    case Log::Plain:
+        if (entry.level >= minorLevel)
+            return colored(Colors::minor(), text);
+        return QLatin1String("<font>") + text + QLatin1String("</font>");
+    case Log::Output:
+        return colored(Colors::ok(), text);
+    case Log::Warning:
+        return colored(Colors::warning(), text);
+    case Log::Action:
+        return QLatin1String("<h2>") + colored(Colors::action(), text) + QLatin1String("</h2>");
+    case Log::Error:
+        break;
+    }
+    return colored(Colors::error(), text);
+}
+
+} // namespace
+
+Log::Window::Window(EntryList& list, QWidget* parent)
+    : QWidget(nullptr)
+    , m_list(list)
+    , m_parent(parent)
+    , m_level(new QSpinBox(this))
+    , m_text(new HTextEdit(100, 24, this))
+{
+    setWindowTitle(tr("VOK Log"));
+
+    m_text->setReadOnly(true);
+    m_text->setUndoRedoEnabled(false);
+    m_text->setLineWrapMode(QTextEdit::NoWrap);
+    m_text->setWordWrapMode(QTextOption::NoWrap);
+    m_text->setTabChangesFocus(true);
+
+    m_level->setRange(0, maximumLevel);
+    m_level->setValue(defaultLevel);
+    m_level->setToolTip(tr("Threshold beyond which more detailed log messages are omitted.\n"
+                           "Higher levels show more detail.\n"
+                           "The valid range is 0 .. %1.\n"
+                           "The default is %2.\n"
+                           "Higher levels contain debug information.\n"
+                           "This corresponds to yum's debuglevel (-d) option.")
+                            .arg(maximumLevel)
+                            .arg(defaultLevel));
+    connect(m_level, QOverload<int>::of(&QSpinBox::valueChanged), this, &Window::levelChanged);
+
+    auto* label = new QLabel(tr("Detail level"), this);
+
+    auto* close = new QPushButton(tr("&Close"), this);
+    close->setToolTip(tr("Close the Log Window"));
+    connect(close, &QPushButton::clicked, this, &QWidget::hide);
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(label);
+    bottom->addWidget(m_level);
+    bottom->addStretch(1);
+    bottom->addWidget(close);
+
+    auto* box = new QVBoxLayout(this);
+    box->addWidget(m_text);
+    box->addLayout(bottom);
+}
+
+void Log::Window::setVisible(bool visible)
+{
+    const bool wasVisible = isVisible();
+    if (visible && !wasVisible) {
+        clear();
+        render();
+        {
+            const QMutexLocker lock(&m_list.mutex);
+            connect(&m_list, &EntryList::appended, this, &Window::appended, Qt::UniqueConnection);
+            m_live = true;
+        }
+        // What was written between the rendering and the connection has announced itself to nobody.
+        render();
+    }
+    QWidget::setVisible(visible);
+    if (visible && !wasVisible)
+        m_text->verticalScrollBar()->setValue(m_text->verticalScrollBar()->maximum());
+    if (!visible && wasVisible) {
+        {
+            const QMutexLocker lock(&m_list.mutex);
+            disconnect(&m_list, &EntryList::appended, this, &Window::appended);
+            // A signal of a work thread may still wait in the queue.
+            m_live = false;
+        }
+        clear();
+    }
+}
+
+void Log::Window::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Escape) {
+        event->accept();
+        hide();
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void Log::Window::htmlProtect(QString& text)
+{
+    text.replace(QLatin1Char('<'), QLatin1String("&lt;"));
+    text.replace(QLatin1Char('>'), QLatin1String("&gt;"));
+    // Rich text collapses blanks, but not those that are written as numbers.
+    text.replace(QLatin1Char(' '), QLatin1String("&#x0020;"));
+    text.replace(QLatin1Char('\t'), QLatin1String("&#x0009;"));
+}
+
+void Log::Window::appended()
+{
+    if (m_live)
+        render();
+}
+
+void Log::Window::levelChanged(int)
+{
+    clear();
+    appended();
+}
+
+void Log::Window::clear()
+{
+    m_shown = 0;
+    m_text->clear();
+}
+
+void Log::Window::render()
+{
+    QList<Entry> added;
+    {
+        // The lines are taken under the lock and rendered without it: a writer never waits for
+        // layout.
+        const QMutexLocker lock(&m_list.mutex);
+        if (m_list.entries.size() <= m_shown)
+            return;
+        added = m_list.entries.mid(m_shown);
+        m_shown = m_list.entries.size();
+    }
+
+    const unsigned int level = static_cast<unsigned int>(m_level->value());
+    m_text->setUpdatesEnabled(false);
+    QTextCursor cursor(m_text->document());
+    cursor.beginEditBlock();
+    for (const Entry& entry : qAsConst(added)) {
+        if (entry.level <= level)
+            m_text->appendCompact(markup(entry));
+    }
+    cursor.endEditBlock();
+    m_text->setUpdatesEnabled(true);
+
+    // Painted at once, even in the midst of a long series of signals; no button may be pressed
+    // meanwhile.
+    QEventLoop loop;
+    loop.processEvents(QEventLoop::ExcludeUserInputEvents);
+}
