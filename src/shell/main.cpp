@@ -1,0 +1,33 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/Application.h"
+#include "kit/Share.h"
+#include "shell/CommandLine.h"
+#include "shell/DefaultStyle.h"
+#include "shell/MainWindow.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <libgen.h>
+
+int main(int argc, char** argv)
+{
+    const DefaultStyle defaultStyle(argc, argv);
+    QApplication app(argc, argv);
+    defaultStyle.set(app, QStringLiteral("plastique"));
+    QApplication::setWindowIcon(QIcon(Share::absolute(QStringLiteral("pixmaps/vok.icon.png"))));
+    // The main window says when the program is over: it has an engine to stop first, and a log
+    // window that outlives the main window's frame must not keep the process, nor its closing end
+    // it.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    application = &app;
+    program = basename(argv[0]);
+
+    // Stays to the end of the process; its engine goes with MainWindow::quit().
+    static MainWindow* window = new MainWindow(nullptr);
+    QObject::connect(window, &MainWindow::left, &app, &QApplication::quit);
+    CommandLine::apply(*window, argc, argv);
+    window->show();
+    return QApplication::exec();
+}
