@@ -5,16 +5,17 @@
 #include "engine/Package.h"
 #include "log/Log.h"
 
+#include <QByteArray>
 #include <QHash>
+#include <QMutex>
 #include <QObject>
 #include <QSet>
 #include <QString>
 #include <QStringList>
 
 #include <csignal>
+#include <functional>
 #include <vector>
-
-#include <QMutex>
 
 class HProgressBar;
 class QEventLoop;
@@ -156,6 +157,8 @@ public:
 
     /// One path a line, sorted. May load the file lists first, which spins a local event loop.
     QString getFiles(const Package::Entry& entry);
+    /// The same text as UTF-8, for searching the file lists of all rows without converting them.
+    QByteArray getFilesUtf8(const Package::Entry& entry);
     /// May load the change logs first, which spins a local event loop.
     QString getChangeLog(const Package::Entry& entry);
 
@@ -242,6 +245,13 @@ protected:
     /// The one place that spins a local event loop while work runs.
     void execWorkThread(QEventLoop& loop, QThread& thread);
     void clearEntriesReal();
+    /// Deletes all entries; their objects have been dealt with.
+    void dropEntries();
+    /// Makes a new `yumIO` in place of the old; null with the exception pending where that fails.
+    void makeScriptObject();
+    bool runScript(const QString& path);
+    /// Reports why initialize() fails, whatever is pending first; false.
+    bool initializeFailed(const QString& text);
 
     // ---- YumIOCollect.cpp: collection; work thread, lock held --------------------------------------
 
@@ -252,6 +262,17 @@ protected:
     bool collectSet(EntryHash& hash, PyObject* iterable, Package::State state);
     bool collectPkg(Package::Entry*& slot, Package::State state, PyObject* package);
     Package::Kind getPkgKind(PyObject* package);
+    struct PackageRow;
+    /// Reads a tuple of a package's collectRow(); false where it can't be used.
+    bool readRow(PyObject* tuple, PackageRow& row);
+    bool collectPkg(Package::Entry*& slot, Package::State state, PyObject* package,
+                    const PackageRow& row);
+    void collectPkgFields(Package::Entry& entry, PyObject* package);
+    void collectPkgFields(Package::Entry& entry, PyObject* package, const PackageRow& row);
+    /// What simpleString() makes of the answer of returnSimple().
+    QString simpleText(PyObject* value);
+    /// One shared copy of a word that many rows have.
+    QString shared(const QString& word);
 
     // ---- YumIOFind.cpp: entries by name ------------------------------------------------------------
 
@@ -270,6 +291,8 @@ protected:
     bool upToDateGroupPkgs(const Package::Entry& entry, const char* field22, const char* field25);
     PyRef getGroupItem_22(const Package::Entry& entry, const char* field);
     PyRef getGroupItem_25(const Package::Entry& entry, const char* field);
+    /// The items of an iterable of texts; a dictionary's are its keys.
+    QStringList namesOf(PyObject* iterable);
     QString getGroupGrps(const Package::Entry& entry, const char* field);
     QString getGroupPkgs(const Package::Entry& entry, const char* field22, const char* field25);
 
@@ -277,7 +300,15 @@ protected:
 
     bool collectFileListsReal();
     bool collectOtherDataReal();
+    bool collectExtraReal(const QString& heading, const QString& label, const QString& total,
+                          const char* method, const QString& action, const QString& failure,
+                          bool& flag);
+    /// Paths of a package that hasn't offered them as one text.
+    QStringList repositoryFiles(PyObject* package);
+    QStringList installedFiles(PyObject* package);
     QString getPrco(PyObject* package, const char* prefix, const char* word);
+    /// One relation of a repository package: a tuple (name, flag, (epoch, version, release)).
+    QString relationText(PyObject* relation);
     QString getRpmTime(PyObject* package, const char* tag);
     QString getRpmList(PyObject* package, const char* tag);
     PyRef getRpmHdrValue(PyObject* package, const char* tag);
@@ -309,7 +340,22 @@ public:
     static QString timeFormat(long time);
 
 protected:
+    // ---- YumIOClean.cpp ----------------------------------------------------------------------------
+
+    /// True where the script's method gives a tuple that begins with 0.
+    bool cleanStep(const char* method);
+
     // ---- YumIOProgress.cpp: collection progress; work thread ---------------------------------------
+
+    /// Name of a step or file that the script passes: text, or none. Anything else reports `message`.
+    QString progressText(PyObject* object, const QString& message);
+    /// The act number of a step that follows act number `from`.
+    int actNumber(int from, int act);
+    QString actText(RepoAct act, const QString& name);
+    void setupBatch(const QString& name, RepoAct act);
+    /// Slot of a running download of the batch; false after a report where the batch has no such slot.
+    bool batchSlot(void* meter, const QString& message, unsigned int& slot);
+    void resetCollectState();
 
     void collectStart(void* meter, const QString& name, RepoAct act, long value, long size);
     void collectUpdate(void* meter, long value);
@@ -325,6 +371,12 @@ protected:
     void pyExceptExpect(PyObject* exception) override;
     void pyExceptClear() override;
     void exceptionExpected() override;
+    /// Where the present exception scope's lines begin in the log, or its end where there is no scope.
+    int exceptionMark();
+    /// Shows the error lines of the log from `mark` on.
+    void showErrorsSince(int mark);
+    /// Gives the dialogs of the running thread to `show`, which may block. Any thread.
+    void withDialogs(const std::function<void(YumIODialogs&)>& show);
     bool reapChildren();
     void sigchldDisable();
     void sigchldRestore();
@@ -347,7 +399,8 @@ protected:
     bool fileListsCollected = false;
     bool otherDataCollected = false;
     QWidget* parentWidget = nullptr;
-    YumIODialogs* dialogs = nullptr;
+    YumIODialogs* dialogs = nullptr;    ///< of the thread that runs the engine; not owned
+    YumIODialogs* guiDialogs = nullptr; ///< of the GUI thread; owned
     YumIOCapturers* capturers = nullptr; ///< set only within a capture scope
     PyObject* rpmDict = nullptr;         ///< borrowed from module rpm
     PyObject* yumIOClass = nullptr;      ///< borrowed from the main module
@@ -367,6 +420,9 @@ protected:
     PyObject* lockError = nullptr;
     PyObject* groupsError = nullptr;
     PyObject* noMoreMirrorsRepoError = nullptr;
+    /// Guards the two below: the script's streams and the captured descriptors both end there. Taken
+    /// before the log's mutex, and held across nothing else.
+    QMutex partialMutex;
     QString stdoutPartial, stderrPartial; ///< output not yet ended by a newline
     Log::Kind stderrKind = Log::Error;
     unsigned int stderrLevel = 0;
@@ -402,6 +458,8 @@ protected:
 
 private:
     QHash<QString, QString> biArchWords; ///< answers of getBiArch
+    QSet<QString> sharedWords;           ///< repository ids and architectures of the rows
+    QSet<const Package::Entry*> groupsVisited; ///< groups whose sub-groups are being looked at
 };
 
 uint qHash(const YumIO::EntryKey& key);

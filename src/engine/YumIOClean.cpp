@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "engine/YumIO.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+QString YumIO::yumVersionStr()
+{
+    if (yumVersionRead)
+        return yumVersionText;
+    PyGILStateWrapper lock(true);
+    PyObject* version = pyValue("yum", "__version__");
+    if (!version)
+        version = pyValue("cli", "__version__");
+    if (version)
+        yumVersionText = pyString(version);
+    yumVersionRead = true;
+    return yumVersionText;
+}
+
+long YumIO::yumVersion()
+{
+    static bool warned = false;
+    const QStringList parts = yumVersionStr().split(QLatin1Char('.'));
+    long weight = 10000;
+    long version = 0;
+    for (int i = 0; i < parts.size() && weight > 0; ++i, weight /= 100) {
+        errno = 0;
+        const unsigned long part = std::strtoul(parts.at(i).toUtf8().constData(), nullptr, 10);
+        const int number = errno;
+        if (number != 0 && !warned) {
+            warned = true;
+            warning(tr("Internal error: yum version not understood: %1 errno=%2 (%3)")
+                        .arg(yumVersionText, QString::number(number),
+                             QString::fromLocal8Bit(std::strerror(number))));
+        }
+        // An absurd part may overflow, which must stay a wrong number and nothing worse.
+        version = static_cast<long>(static_cast<unsigned long>(version) +
+                                    part * static_cast<unsigned long>(weight));
+    }
+    return version;
+}
+
+bool YumIO::hasDistribGroups()
+{
+    return yumVersion() >= 20500;
+}
+
+bool YumIO::hasTransTest()
+{
+    return yumVersion() < 30203;
+}
+
+bool YumIO::hasPickledCache()
+{
+    return yumVersion() < 20902;
+}
+
+bool YumIO::hasSqliteCache()
+{
+    return yumVersion() > 20301;
+}
+
+bool YumIO::usesSqlite()
+{
+    if (!usesSqliteKnown) {
+        PyGILStateWrapper lock(true);
+        pyExceptStart();
+        usesSqliteValue = pyCall("usesSqlite", "()").get() == Py_True;
+        pyExceptClear();
+        usesSqliteKnown = true;
+    }
+    return usesSqliteValue;
+}
+
+bool YumIO::usesPresto()
+{
+    if (!usesPrestoKnown) {
+        PyGILStateWrapper lock(true);
+        pyExceptStart();
+        usesPrestoValue = pyMethodCall(yumIO, "usesPresto", "()").get() == Py_True;
+        pyExceptClear();
+        usesPrestoKnown = true;
+    }
+    return usesPrestoValue;
+}
+
+bool YumIO::hasMultiProgress()
+{
+    if (!hasMultiProgressKnown) {
+        PyGILStateWrapper lock(true);
+        pyExceptStart();
+        hasMultiProgressValue = pyMethodCall(yumIO, "hasMultiProgress", "()").get() == Py_True;
+        pyExceptClear();
+        hasMultiProgressKnown = true;
+    }
+    return hasMultiProgressValue;
+}
+
+bool YumIO::cleanStep(const char* method)
+{
+    const PyRef result = pyMethodCall(yumIO, method, "()");
+    if (!result || !PyTuple_Check(result.get()) || PyTuple_GET_SIZE(result.get()) < 1)
+        return false;
+    const long code = PyLong_AsLong(PyTuple_GET_ITEM(result.get(), 0));
+    if (PyErr_Occurred()) {
+        PyErr_Clear();
+        return false;
+    }
+    return code == 0;
+}
+
+bool YumIO::cleanHeaders()
+{
+    log(Log::Action, 0, tr("Cleaning Headers"));
+    PyGILStateWrapper lock(true);
+    return cleanStep("cleanHeaders");
+}
+
+bool YumIO::cleanPackages()
+{
+    log(Log::Action, 0, tr("Cleaning Packages"));
+    PyGILStateWrapper lock(true);
+    return cleanStep("cleanPackages");
+}
+
+bool YumIO::cleanXmlMetadata()
+{
+    log(Log::Action, 0, tr("Cleaning Xml Metadata"));
+    PyGILStateWrapper lock(true);
+    return cleanStep("cleanMetadata");
+}
+
+bool YumIO::cleanPickledCache()
+{
+    log(Log::Action, 0, tr("Cleaning Pickled Cache"));
+    PyGILStateWrapper lock(true);
+    return cleanStep("cleanPickles");
+}
+
+bool YumIO::cleanSqliteCache()
+{
+    log(Log::Action, 0, tr("Cleaning Sqlite Cache"));
+    PyGILStateWrapper lock(true);
+    return cleanStep("cleanSqlite");
+}
+
+bool YumIO::cleanAll()
+{
+    log(Log::Action, 0, tr("Cleaning All"));
+    PyGILStateWrapper lock(true);
+    // Every step runs, whatever became of those before it.
+    bool clean = cleanStep("cleanHeaders");
+    clean = cleanStep("cleanPackages") && clean;
+    clean = cleanStep("cleanMetadata") && clean;
+    if (hasPickledCache())
+        clean = cleanStep("cleanPickles") && clean;
+    if (hasSqliteCache())
+        clean = cleanStep("cleanSqlite") && clean;
+    return clean;
+}
