@@ -8,12 +8,14 @@
 #include <stack>
 
 /// Thin access to the interpreter that lives in the process: start and stop, code strings, calls by
-/// name, and the rule by which an exception is either what the caller expected or an internal error.
+/// name, and the rule by which an exception is either what the caller expected or an internal
+/// error.
 ///
-/// Everything but initialize() needs the interpreter lock. Nothing throws: a failing call gives null
-/// and has reported through error(), unless an expected exception is pending.
+/// Everything but initialize() needs the interpreter lock. Nothing throws: a failing call gives
+/// null and has reported through error(), unless an expected exception is pending.
 ///
-/// The GUI thread holds the lock from initialize() on and gives it away only while a work thread runs.
+/// The GUI thread holds the lock from initialize() on and gives it away only while a work thread
+/// runs.
 class Python
 {
 public:
@@ -66,8 +68,8 @@ public:
     virtual void exceptionExpected();
     virtual void exceptionError();
 
-    /// Starts the interpreter, once a process; the calling thread then holds the lock. False, after a
-    /// report, where the main module can't be had.
+    /// Starts the interpreter, once a process; the calling thread then holds the lock. False, after
+    /// a report, where the main module can't be had.
     bool initialize();
 
     void py(const char* code);
@@ -75,8 +77,8 @@ public:
     void pyf(const char* format, ...) __attribute__((format(printf, 2, 3)));
     PyRef pyrf(const char* format, ...) __attribute__((format(printf, 2, 3)));
 
-    /// UTF-8 text of a string, or the bytes of a bytes object; owned by the object. Null for None (no
-    /// report), for null and for any other type (reported).
+    /// UTF-8 text of a string, or the bytes of a bytes object; owned by the object. Null for None
+    /// (no report), for null and for any other type (reported).
     const char* pyString(PyObject* object);
 
     /// Calls take a Py_BuildValue format that gives a tuple: "()" or "(O,s)".
@@ -113,5 +115,9 @@ protected:
     static PyObject* main_dict;
 
 private:
-    std::stack<std::list<PyObject*>> expected;
+    /// Dictionary of a module by dotted name, or the dictionary of that name; borrowed. Null after
+    /// a report.
+    PyObject* dictionaryOf(const char* module);
+
+    std::stack<std::list<PyObject*>> expected; ///< classes are borrowed; only the top list counts
 };

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "engine/YumIOC.h"
+
+#include "engine/YumIO.h"
+
+namespace
+{
+
+YumIO* current = nullptr;
+
+template<PyObject* (YumIO::*Member)(PyObject*, PyObject*)>
+PyObject* call(PyObject* self, PyObject* args)
+{
+    if (!current)
+        Py_RETURN_NONE;
+    return (current->*Member)(self, args);
+}
+
+#define VOK_FUNCTION(name)                                                                         \
+    {                                                                                              \
+#name, call < &YumIO::name>, METH_VARARGS, nullptr                                         \
+    }
+
+PyMethodDef functions[] = {
+    VOK_FUNCTION(stdoutWrite),
+    VOK_FUNCTION(stderrWrite),
+    VOK_FUNCTION(log),
+    VOK_FUNCTION(errorlog),
+    VOK_FUNCTION(collectProgress),
+    VOK_FUNCTION(collectGrabMeterStart),
+    VOK_FUNCTION(collectGrabMeterUpdate),
+    VOK_FUNCTION(collectGrabMeterEnd),
+    VOK_FUNCTION(collectGrabMeterFailure),
+    VOK_FUNCTION(collectGrabMultiMeterStart),
+    VOK_FUNCTION(collectGrabMultiMeterNew),
+    VOK_FUNCTION(collectGrabMultiMeterRemove),
+    VOK_FUNCTION(collectGrabMultiMeterEnd),
+    {nullptr, nullptr, 0, nullptr},
+};
+
+#undef VOK_FUNCTION
+
+PyModuleDef definition = {
+    PyModuleDef_HEAD_INIT, "yumIOC", nullptr, -1, functions, nullptr, nullptr, nullptr, nullptr,
+};
+
+} // namespace
+
+bool YumIOC::initialize(YumIO* engine)
+{
+    current = engine;
+    // Registered once an interpreter: one that was ended and started again has a new module table.
+    PyObject* modules = PyImport_GetModuleDict();
+    if (PyDict_GetItemString(modules, definition.m_name))
+        return true;
+    const PyRef module = PyRef::adopt(PyModule_Create(&definition));
+    return module && PyDict_SetItemString(modules, definition.m_name, module.get()) == 0;
+}
+
+void YumIOC::finalize(YumIO* engine)
+{
+    if (current == engine)
+        current = nullptr;
+}
