@@ -43,7 +43,7 @@ function(vok_tests area)
     set(target test_${area}_${short})
     add_executable(${target} ${source} ${shared})
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-    target_link_libraries(${target} PRIVATE ${ARGN} Qt5::Test)
+    target_link_libraries(${target} PRIVATE ${ARGN} vok_testsupport Qt5::Test)
     vok_compile_settings(${target} PRIVATE)
     add_test(NAME ${area}.${short} COMMAND ${target})
     set_tests_properties(${area}.${short} PROPERTIES
