@@ -22,7 +22,9 @@ def serve(options) -> None:
     # The server's threads inherit the mask, so that the signals wait for the main thread.
     signals = {signal.SIGINT, signal.SIGTERM, signal.SIGHUP}
     signal.pthread_sigmask(signal.SIG_BLOCK, signals)
-    with Server(sandbox, options.port, options.rate) as server:
+    with Server(sandbox, options.port, options.rate, configure=not options.keep) as server:
+        if options.keep:
+            sandbox.readdress(server.url)
         if options.ready_file:
             # Whoever waits for the file shall find it whole.
             part = options.ready_file.with_suffix(".part")
@@ -55,6 +57,7 @@ def main() -> int:
     one.add_argument("directory", type=Path)
     one.add_argument("--port", type=int, default=0, help="default: a free one")
     one.add_argument("--rate", type=int, default=0, help="bytes a second of each connection")
+    one.add_argument("--keep", action="store_true", help="leave the configuration as the last run left it")
     one.add_argument("--ready-file", type=Path, help="written, with the server's URL, when it serves")
     one.set_defaults(call=serve)
 

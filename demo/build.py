@@ -60,6 +60,15 @@ class Sandbox:
         for name, sections in texts.items():
             path = folder / name if name else self.root / "etc" / "yum.conf"
             path.write_text("\n".join(sections), encoding="utf-8")
+        (self.directory / "url").write_text(url, encoding="utf-8")
+
+    def readdress(self, url: str) -> None:
+        """Turns the URLs of the last server into those of the one at `url`; leaves all else as it is."""
+        old = (self.directory / "url").read_text(encoding="utf-8")
+        for path in [self.root / "etc" / "yum.conf", *sorted((self.root / "etc" / "yum.repos.d").glob("*.repo"))]:
+            # Bytes: users may have written what they liked.
+            path.write_bytes(path.read_bytes().replace(old.encode(), url.encode()))
+        (self.directory / "url").write_text(url, encoding="utf-8")
 
     def query(self, *arguments: str) -> str:
         """Asks the rpm database of the root."""

@@ -239,8 +239,10 @@ class _Handler(BaseHTTPRequestHandler):
         if ".." in parts or len(parts) < 2:
             self.answer(404, b"not found\n")
             return
-        if parts[0] == "mirror":
-            file = owner.sandbox.repos.joinpath(*parts[2:])
+        if parts[0] == "mirror" and len(parts) > 2:
+            # A copy asks for no credentials, so there is none of a repository that does.
+            repository = owner.repositories.get(parts[2])
+            file = Path() if repository and repository.auth else owner.sandbox.repos.joinpath(*parts[2:])
         elif parts[0] == "repos":
             repository = owner.repositories.get(parts[1])
             if repository and repository.auth and credentials != (repository.user, repository.password):

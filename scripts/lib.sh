@@ -1,0 +1,89 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+# Shared by the scripts of this folder and .ci/run: what must be installed, and how. To be sourced.
+
+TREE=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+# The system's interpreter, never another that comes first on PATH: only the system's has the
+# package manager's modules.
+PYTHON=/usr/bin/python3
+
+DEBIAN_BUILD="g++ cmake ninja-build pkg-config qtbase5-dev qt5-style-plugins python3-dev python3-dnf python3-rpm"
+DEBIAN_DEMO="rpm createrepo-c gnupg gpg-agent busybox-static dbus fonts-dejavu-core tar util-linux"
+DEBIAN_DISPLAY="xvfb openbox xdotool x11-utils imagemagick"
+DEBIAN_TEST="pyflakes3 libxml2-utils"
+FEDORA_BUILD="gcc-c++ cmake ninja-build pkgconf-pkg-config qt5-qtbase-devel qt5-qtstyleplugins python3-devel python3-dnf
+    python3-rpm"
+FEDORA_DEMO="rpm-build rpm-sign createrepo_c gnupg2 busybox dbus-daemon dejavu-sans-fonts tar util-linux"
+FEDORA_DISPLAY="xorg-x11-server-Xvfb openbox xdotool xprop xwininfo ImageMagick"
+FEDORA_TEST="python3-pyflakes libxml2"
+
+say() {
+    printf '%s: %s\n' "${0##*/}" "$*" >&2
+}
+
+die() {
+    say "$@"
+    exit 1
+}
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then
+        "$@"
+    elif command -v sudo >/dev/null; then
+        sudo "$@"
+    else
+        die "not root, and there is no sudo; run as root: $*"
+    fi
+}
+
+# need KIND...: installs the packages of these kinds (BUILD, DEMO, DISPLAY, TEST) that are missing.
+need() {
+    local family kind package list missing=""
+    if command -v apt-get >/dev/null; then
+        family=DEBIAN
+    elif command -v dnf >/dev/null; then
+        family=FEDORA
+    else
+        say "neither apt-get nor dnf here; taking it that all is installed"
+        return
+    fi
+    for kind in "$@"; do
+        list=${family}_$kind
+        for package in ${!list}; do
+            have_package $family "$package" || missing="$missing $package"
+        done
+    done
+    [ -n "$missing" ] || return 0
+    say "installing$missing"
+    # shellcheck disable=SC2086  # a list of words
+    if [ $family = DEBIAN ]; then
+        as_root apt-get update -qq &&
+            as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing
+    else
+        as_root dnf install -y -q --setopt=install_weak_deps=False $missing
+    fi || die "could not install$missing"
+}
+
+have_package() {
+    if [ "$1" = DEBIAN ]; then
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$2" 2>/dev/null)" = installed ]
+    else
+        rpm -q --quiet --whatprovides "$2" >/dev/null 2>&1
+    fi
+}
+
+# build PRESET [TARGET...]: configures if need be and builds, in silence as long as all goes well.
+build() {
+    local preset=$1 log=$TREE/build/$1.log
+    shift
+    mkdir -p "$TREE/build"
+    local cache=()
+    if command -v ccache >/dev/null; then
+        cache=(-DCMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    fi
+    say "building ($preset)"
+    if ! (cd "$TREE" && cmake --preset "$preset" "${cache[@]}" && cmake --build --preset "$preset" \
+        ${1:+--target "$@"}) >"$log" 2>&1; then
+        tail -n 60 "$log" >&2
+        die "the build failed; all of its output is in $log"
+    fi
+}
