@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include "table/PackageTable.h"
+
+#include <QByteArray>
+
+#include <array>
+#include <vector>
+
+class YumIO;
+
+namespace PackageTable
+{
+
+/// What filtering and sorting ask of the engine's rows again and again, worked out at the first
+/// need and kept until drop(). Entries don't change between two collections but for their action,
+/// which is not kept here.
+class Rows
+{
+public:
+    explicit Rows(const YumIO* yumIO)
+        : yumIO(yumIO)
+    {
+    }
+
+    /// To be called before the engine's rows are shown anew.
+    void drop();
+
+    /// The texts that the table shows of a row, joined by blanks, as UTF-8.
+    const QByteArray& text(int row);
+    /// Place of the row in the order of a text column; equal texts have equal places.
+    int rank(int row, Column column);
+
+private:
+    void makeRanks(std::vector<int>& ranks, Column column) const;
+
+    const YumIO* yumIO;
+    std::vector<QByteArray> texts; ///< a null one isn't made yet
+    std::array<std::vector<int>, ColumnCount> ranks;
+};
+
+} // namespace PackageTable
