@@ -2,14 +2,13 @@
 #pragma once
 
 #include <QObject>
-#include <QSemaphore>
 
-class QSocketNotifier;
 class YumIO;
 class YumIOCapturersMinion;
 
-/// While one exists, what the process writes to descriptors 1 and 2 goes to the log. Made and destroyed
-/// on a work thread; the pipes are read on the GUI thread, whose event loop must run meanwhile.
+/// While one exists, what the process writes to descriptors 1 and 2 goes to the log. Made and
+/// destroyed on a work thread; the pipes are read on the GUI thread, whose event loop must run
+/// meanwhile.
 class YumIOCapturers : public QObject
 {
     Q_OBJECT
@@ -19,12 +18,17 @@ public:
     ~YumIOCapturers() override;
 
 private:
-    YumIOCapturersMinion* minion = nullptr;
+    /// Points 1 and 2 where they pointed before; false where one can't be.
+    bool restore();
+
+    YumIOCapturersMinion* minion = nullptr; ///< null where the capture couldn't be set up
     YumIO* engine;
     int savedStdout = -1;
     int savedStderr = -1;
     int stdoutPipe[2] = {-1, -1};
     int stderrPipe[2] = {-1, -1};
+    bool stdoutRedirected = false;
+    bool stderrRedirected = false;
 };
 
 /// Puts a YumIOCapturers into `slot` for a scope, and the old one back at the end.

@@ -8,8 +8,8 @@
 class QWidget;
 class YumIODialogsMinion;
 
-/// Dialogs that any thread may open and that block it until the user has answered. One call at a time.
-/// The object belongs to the thread that made it; the dialogs appear on the GUI thread.
+/// Dialogs that any thread may open and that block it until the user has answered. One call at a
+/// time. The object belongs to the thread that made it; the dialogs appear on the GUI thread.
 class YumIODialogs : public QObject
 {
     Q_OBJECT
@@ -53,7 +53,8 @@ private:
     int result = 0;
 };
 
-/// Puts a YumIODialogs of the running thread into `slot` for a scope, and the old one back at the end.
+/// Puts a YumIODialogs of the running thread into `slot` for a scope, and the old one back at the
+/// end.
 class YumIODialogsUser
 {
 public:

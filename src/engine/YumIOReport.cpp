@@ -74,7 +74,8 @@ PyObject* YumIO::errorlog(PyObject*, PyObject* args)
 void YumIO::withDialogs(const std::function<void(YumIODialogs&)>& show)
 {
     // While a work thread runs, `dialogs` is that thread's, and the GUI thread has its own.
-    YumIODialogs* own = QThread::currentThread() == thread() ? guiDialogs : dialogs;
+    const bool onGui = QThread::currentThread() == thread();
+    YumIODialogs* own = onGui && guiDialogs ? guiDialogs : dialogs;
     if (own && own->thread() == QThread::currentThread()) {
         show(*own);
     } else if (guiDialogs) {

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "engine/ScrollableText.h"
+
+#include "kit/HScrollArea.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+#include <QWidget>
+
+QLabel* ScrollableText::add(QVBoxLayout* layout, QStyle::StandardPixmap icon, const QString& text)
+{
+    const QStyle* style = layout->parentWidget()->style();
+    auto* image = new QLabel;
+    const int size = style->pixelMetric(QStyle::PM_MessageBoxIconSize);
+    image->setPixmap(style->standardIcon(icon).pixmap(size));
+
+    auto* label = new QLabel(text);
+    // Package names and errors of the system, where an angle bracket is no markup.
+    label->setTextFormat(Qt::PlainText);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    auto* area = new HScrollArea(nullptr);
+    area->setFrameStyle(QFrame::Plain | QFrame::NoFrame);
+    area->setWidget(label);
+
+    auto* upper = new QHBoxLayout;
+    upper->addWidget(image, 0, Qt::AlignTop);
+    upper->addWidget(area, 1);
+    layout->addLayout(upper, 1);
+    return label;
+}
