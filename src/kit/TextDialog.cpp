@@ -2,6 +2,7 @@
 #include "kit/TextDialog.h"
 
 #include "kit/HTextEdit.h"
+#include "kit/ScreenLimit.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -33,4 +34,10 @@ TextDialog::TextDialog(QWidget* parent)
 void TextDialog::setText(const QString& text)
 {
     m_text->setPlainText(text);
+}
+
+QSize TextDialog::sizeHint() const
+{
+    // The text alone may take all that the screen allows; margins and the button come on top of it.
+    return QDialog::sizeHint().boundedTo(ScreenLimit::of(this));
 }

@@ -16,6 +16,8 @@ public:
     /// Plain text; markup in it shows as it is.
     void setText(const QString& text);
 
+    QSize sizeHint() const override;
+
 private:
     HTextEdit* m_text;
 };

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "kit/Share.h"
+
+#include <QTest>
+
+class TestShare : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() { m_saved = qgetenv("VOKSHARE"); }
+    void cleanup() { qputenv("VOKSHARE", m_saved); }
+
+    void isTheInstalledDirectoryWithoutTheVariable()
+    {
+        qunsetenv("VOKSHARE");
+        QCOMPARE(Share::absolute("icons/a.png"), QString("/usr/share/vok/icons/a.png"));
+    }
+
+    void followsTheVariableAtEachCall()
+    {
+        qputenv("VOKSHARE", "/one");
+        QCOMPARE(Share::absolute("a"), QString("/one/a"));
+        qputenv("VOKSHARE", "/two");
+        QCOMPARE(Share::absolute("a"), QString("/two/a"));
+    }
+
+    void addsASlashEvenWhereTheVariableEndsInOne()
+    {
+        qputenv("VOKSHARE", "/one/");
+        QCOMPARE(Share::absolute("a"), QString("/one//a"));
+    }
+
+    void countsAnEmptyVariableAsSet()
+    {
+        qputenv("VOKSHARE", "");
+        QCOMPARE(Share::absolute("a"), QString("/a"));
+    }
+
+    void takesPercentSignsAsTheyAre()
+    {
+        qputenv("VOKSHARE", "/100%2");
+        QCOMPARE(Share::absolute("%1"), QString("/100%2/%1"));
+    }
+
+private:
+    QByteArray m_saved;
+};
+
+QTEST_GUILESS_MAIN(TestShare)
+#include "tst_Share.moc"
