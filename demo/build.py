@@ -204,6 +204,7 @@ def spec(package: Package) -> str:
 
 
 def quoted(text: str) -> str:
+    """Text for a spec file. No line of it may begin with the name of a section."""
     return text.replace("%", "%%")
 
 
