@@ -1,0 +1,64 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""Turns the repositories' groups into the group objects that the program reads."""
+
+import logging
+import os
+
+import dnf.exceptions
+import libdnf.error
+
+from steward.errors import text_of
+from steward.texts import plain
+from yum.Errors import GroupsError
+
+LOGGER = logging.getLogger('dnf')
+
+NONE = 'No Groups Available'
+
+
+class Group:
+    """One group. The four member fields are dictionaries keyed by package name."""
+
+    __slots__ = ('groupid', 'name', 'description', 'user_visible', 'installed',
+                 'mandatory_packages', 'default_packages', 'optional_packages',
+                 'conditional_packages')
+
+    def __init__(self, group, installed_names, recorded):
+        self.groupid = plain(group.id)
+        self.name = plain(group.ui_name or group.name or group.id)
+        self.description = plain(group.ui_description or group.desc)
+        self.user_visible = bool(group.visible)
+        self.mandatory_packages = _members(group.mandatory_packages)
+        self.default_packages = _members(group.default_packages)
+        self.optional_packages = _members(group.optional_packages)
+        self.conditional_packages = _members(group.conditional_packages)
+        self.installed = recorded or (bool(self.mandatory_packages) and
+                                      installed_names.issuperset(self.mandatory_packages))
+
+
+def _members(packages):
+    """Name to the package that a conditional member waits for, which others have none of."""
+    return {plain(package.name): plain(package.requires) for package in packages}
+
+
+def collect(base, installed_names):
+    """The groups of all enabled repositories. Raises GroupsError when there are none."""
+    recorded = _recorded(base)
+    found = [Group(group, installed_names, group.id in recorded) for group in base.comps.groups]
+    if not found:
+        raise GroupsError(NONE)
+    return found
+
+
+def _recorded(base):
+    """Ids of the groups that the package manager itself has installed."""
+    # Asking would make the file.
+    if not os.path.exists(os.path.join(base.conf.persistdir, 'history.sqlite')):
+        return frozenset()
+    try:
+        history = base.history.group
+        return frozenset(group.id for group in base.comps.groups
+                         if history.get(group.id) is not None)
+    except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError) as exc:
+        LOGGER.warning('The history of installed groups cannot be read: %s', text_of(exc))
+        return frozenset()

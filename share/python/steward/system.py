@@ -1,0 +1,334 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""The system to administer: its configuration, repositories and the library's object for them.
+
+The root is the environment's VOKROOT, else the running system. One `System` serves one collection;
+the next collection makes a new one, after `end` has closed the last.
+"""
+
+import logging
+import os
+
+import dnf
+import dnf.conf
+import dnf.conf.read
+import dnf.const
+import dnf.exceptions
+import dnf.lock
+import dnf.rpm
+import hawkey
+import libdnf.conf
+import libdnf.error
+import rpm
+
+from steward import lock, metadata
+from steward.errors import repo_error, text_of
+from steward.keys import KeyQuestion
+from yum.Errors import RepoError
+
+LOGGER = logging.getLogger('dnf')
+
+CACHEDIR = '/var/cache/yum'
+REPOSDIRS = ('/etc/yum.repos.d', '/etc/yum/repos.d')
+RPM_DBPATH = '/var/lib/rpm'
+
+_CURRENT = []
+
+
+def root():
+    """The root directory of the system to administer, without a slash at its end; '' for '/'."""
+    return os.environ.get('VOKROOT', '').rstrip('/')
+
+
+def below_root(path):
+    """`path` of the administered system as a path of this process."""
+    return root() + '/' + path.lstrip('/')
+
+
+def config_path():
+    """The main configuration file, by the rule that the program uses."""
+    path = below_root('/etc/yum/yum.conf')
+    return path if os.path.exists(path) else below_root('/etc/yum.conf')
+
+
+class Base(dnf.Base):
+    """The library's object, loading repositories that `metadata` has brought up to date."""
+
+    def __init__(self, conf, meters, file_lists):
+        super().__init__(conf)
+        self._meters = meters
+        self.file_lists = file_lists
+
+    def _add_repo_to_sack(self, repo):
+        self._meters.reading(repo.id)
+        try:
+            self._sack.load_repo(repo._repo, build_cache=True, load_filelists=self.file_lists,
+                                 load_presto=repo.deltarpm, load_updateinfo=True)
+        except (hawkey.Exception, libdnf.error.Error, RuntimeError, OSError) as exc:
+            problem = RepoError("Loading repository '%s' has failed: %s" % (repo.id, text_of(exc)))
+        else:
+            repo.metadata = dnf.repo.Metadata(repo._repo)
+            return
+        raise problem
+
+
+class Repositories:
+    """The repositories under the names that the program uses."""
+
+    def __init__(self, base):
+        self._base = base
+
+    @property
+    def repos(self):
+        return self._base.repos
+
+    def _get(self, repoid):
+        if repoid not in self._base.repos:
+            raise RepoError("No such repository: '%s'" % repoid)
+        return self._base.repos[repoid]
+
+    def enableRepo(self, repoid):
+        self._get(repoid).enable()
+
+    def disableRepo(self, repoid):
+        self._get(repoid).disable()
+
+
+class System:
+    """Configuration and base object for one collection.
+
+    `file_lists` says whether the library is to know all file names, as a dependency on a file that
+    the packages' own metadata doesn't carry requires. Failures of the configuration are kept in
+    `problem`, and `load` raises them.
+    """
+
+    def __init__(self, meters, file_lists=False):
+        end_current()
+        self.problem = None
+        self.meters = meters
+        self.conf = self._configured()
+        self._prepare_directories()
+        self.base = Base(self.conf, meters, file_lists)
+        _CURRENT.append(self)
+        self._plugins_loaded = False
+        self._set_up()
+        self.repos = Repositories(self.base)
+        self._headers = None
+        self.extra = None
+        # Best first; filled by `load`.
+        self.arches = []
+        self.basearch = self.conf.substitutions.get('basearch', '')
+
+    def _configured(self):
+        conf = dnf.conf.Conf()
+        _choose_rpm_database()
+        conf.installroot = root() or '/'
+        conf.config_file_path = config_path()
+        try:
+            if os.path.exists(conf.config_file_path):
+                conf.read(conf.config_file_path, priority=dnf.conf.PRIO_MAINCONFIG)
+            else:
+                self._failed('The configuration file %s does not exist' % conf.config_file_path)
+        except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError, OSError) as exc:
+            self._failed('%s: %s' % (conf.config_file_path, text_of(exc)))
+        # Nothing here waits for another process, and no answer is assumed.
+        conf.exit_on_lock = True
+        conf.assumeyes = False
+        conf.assumeno = False
+        # Files are fetched one by one, which zchunk's delta downloads are no part of.
+        conf.zchunk = False
+        self._find_variables(conf)
+        self._move_below_root(conf)
+        return conf
+
+    def _find_variables(self, conf):
+        substitutions = conf.substitutions
+        try:
+            conf.releasever = conf.releasever or dnf.rpm.detect_releasever(conf.installroot) or ''
+        except (dnf.exceptions.Error, rpm.error, RuntimeError, OSError) as exc:
+            LOGGER.warning('The version of the distribution is unknown: %s', text_of(exc))
+            conf.releasever = ''
+        substitutions.update_from_etc(conf.installroot, varsdir=conf.varsdir)
+
+    def _move_below_root(self, conf):
+        runtime, default = dnf.conf.PRIO_RUNTIME, dnf.conf.PRIO_DEFAULT
+        if conf._get_priority('cachedir') == default:
+            conf._set_value('cachedir', CACHEDIR, runtime)
+        if conf._get_priority('reposdir') == default:
+            conf._set_value('reposdir', libdnf.conf.VectorString(list(REPOSDIRS)), runtime)
+        for option in ('cachedir', 'persistdir', 'logdir', 'system_cachedir'):
+            conf._set_value(option, self._below(conf, conf._get_value(option)), runtime)
+        for option in ('reposdir', 'pluginconfpath'):
+            moved = [self._below(conf, path) for path in conf._get_value(option)]
+            conf._set_value(option, libdnf.conf.VectorString(moved), runtime)
+
+    @staticmethod
+    def _below(conf, path):
+        return below_root(libdnf.conf.ConfigParser.substitute(path, conf.substitutions))
+
+    def _prepare_directories(self):
+        for path in (self.conf.cachedir, self.conf.persistdir, self.conf.logdir):
+            try:
+                os.makedirs(path, exist_ok=True)
+            except OSError as exc:
+                self._failed('%s: %s' % (path, exc.strerror))
+
+    def _failed(self, text):
+        LOGGER.critical('%s', text)
+        if self.problem is None:
+            self.problem = text
+
+    def _set_up(self):
+        base = self.base
+        try:
+            base.init_plugins()
+        except (dnf.exceptions.Error, RuntimeError) as exc:
+            LOGGER.error('Plugins: %s', text_of(exc))
+        self._plugins_loaded = bool(self.conf.plugins)
+        self._run_plugins(base.pre_configure_plugins)
+        self._read_repositories()
+        self._run_plugins(base.configure_plugins)
+        for repo in base.repos.values():
+            repo._set_key_import(KeyQuestion(repo.id))
+
+    @staticmethod
+    def _run_plugins(step):
+        try:
+            step()
+        except dnf.exceptions.Error as exc:
+            LOGGER.error('Plugins: %s', text_of(exc))
+
+    def _read_repositories(self):
+        reader = dnf.conf.read.RepoReader(self.conf, None)
+        main = self.conf.config_file_path
+        if os.path.exists(main):
+            self._read_file(reader, main, ('main',))
+        for directory in self.conf.reposdir:
+            try:
+                names = os.listdir(directory)
+            except OSError:
+                continue
+            for name in sorted(names):
+                path = os.path.join(directory, name)
+                if name.endswith('.repo') and not os.path.isdir(path):
+                    self._read_file(reader, path, ())
+
+    def _read_file(self, reader, path, skipped):
+        """Adds the repositories of one file. What is wrong with one is logged with the file's
+        name, and leaves the others alone."""
+        parser = libdnf.conf.ConfigParser()
+        parser.setSubstitutions(self.conf.substitutions)
+        try:
+            parser.read(path)
+        except (libdnf.error.Error, RuntimeError, OSError) as exc:
+            LOGGER.warning('%s: %s', path, text_of(exc))
+            return
+        for section in parser.getData():
+            if section in skipped:
+                continue
+            try:
+                repo = reader._build_repo(parser, section, path)
+                repo.repofile = path
+                self.base.repos.add(repo)
+            except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError, ValueError,
+                    TypeError) as exc:
+                LOGGER.warning('%s: [%s]: %s', path, section, text_of(exc))
+
+    def load(self, ask):
+        """Brings the metadata of all enabled repositories up to date and reads it and the
+        installed packages. With `ask` each server is asked, else only where the cache is too old.
+
+        Repositories that may be missing are left out with a warning. Raises RepoError.
+        """
+        if self.problem is not None:
+            raise RepoError(self.problem)
+        try:
+            self._update(ask)
+            self._check_rpm_database()
+            self.base.fill_sack(load_system_repo='auto')
+        except dnf.exceptions.LockError as exc:
+            problem = RepoError(text_of(lock.refused(exc, 'The metadata cache')))
+        else:
+            self.arches = list(self.base.sack.list_arches())
+            return
+        raise problem
+
+    def _update(self, ask):
+        """First asks all servers, then downloads from all, as the program's progress expects."""
+        base = self.base
+        work = []
+        with dnf.lock.build_metadata_lock(self.conf.cachedir, True):
+            try:
+                for repo in list(base.repos.iter_enabled()):
+                    step = metadata.Refresh(repo, self.meters, ask, base.file_lists,
+                                            self.conf.cacheonly)
+                    work.append((repo, step))
+                    if not self._attempt(repo, step.check):
+                        work.pop()
+                        step.close()
+                for repo, step in work:
+                    self._attempt(repo, step.download)
+            finally:
+                for repo, step in work:
+                    step.close()
+
+    @staticmethod
+    def _attempt(repo, step):
+        try:
+            return step()
+        except (dnf.exceptions.RepoError, libdnf.error.Error, RuntimeError, OSError) as exc:
+            problem = repo_error(exc)
+        if not repo.skip_if_unavailable:
+            raise problem
+        LOGGER.warning('%s', problem)
+        LOGGER.warning('Ignoring repository: %s', repo.id)
+        repo.disable()
+        return False
+
+    def _check_rpm_database(self):
+        path = below_root(rpm.expandMacro('%{_dbpath}'))
+        if not os.path.isdir(path):
+            LOGGER.warning('There is no package database at %s; nothing counts as installed', path)
+
+    def header(self, rpmdbid):
+        """The header of an installed package, or None when it is gone from the database."""
+        if self._headers is None:
+            self._headers = rpm.TransactionSet(self.conf.installroot,
+                                               rpm._RPMVSF_NOSIGNATURES | rpm._RPMVSF_NODIGESTS)
+        for header in self._headers.dbMatch(rpm.RPMDBI_PACKAGES, rpmdbid):
+            return header
+        return None
+
+    def close_database(self):
+        """Lets the package database go. It is opened again when needed."""
+        if self._headers is not None:
+            self._headers.closeDB()
+            self._headers = None
+
+    def end(self):
+        """Closes what can be closed while packages are still in use: their data stays readable."""
+        if self in _CURRENT:
+            _CURRENT.remove(self)
+        self.close_database()
+        try:
+            if self._plugins_loaded:
+                self._plugins_loaded = False
+                self.base.unload_plugins()
+            self.base.close()
+        except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError, KeyError, OSError) as exc:
+            LOGGER.warning('%s', text_of(exc))
+
+
+def end_current():
+    """Ends the system of the last collection, if any: plugins exist once in a process."""
+    while _CURRENT:
+        _CURRENT[-1].end()
+
+
+def _choose_rpm_database():
+    """Points rpm at the system's database where its default is a directory of the user's own.
+
+    To be called after the process's first Conf(), which reads rpm's macro files anew.
+    """
+    path = rpm.expandMacro('%{_dbpath}')
+    if path == os.path.join(os.path.expanduser('~'), '.rpmdb'):
+        rpm.addMacro('_dbpath', RPM_DBPATH)
