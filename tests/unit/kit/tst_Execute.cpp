@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include <cerrno>
+#include <vector>
 
 #include <dlfcn.h>
 #include <fcntl.h>
