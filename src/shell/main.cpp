@@ -10,8 +10,24 @@
 
 #include <libgen.h>
 
+namespace
+{
+
+QtMessageHandler nextHandler = nullptr;
+
+/// Administrators work in shells of su and sudo, where the session's runtime directory is unset or
+/// somebody else's. Nothing here uses it, and Qt would tell so at each start.
+void dropRuntimeDirectory(QtMsgType type, const QMessageLogContext& context, const QString& text)
+{
+    if (!text.startsWith(QLatin1String("QStandardPaths: ")))
+        nextHandler(type, context, text);
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
+    nextHandler = qInstallMessageHandler(dropRuntimeDirectory);
     const DefaultStyle defaultStyle(argc, argv);
     QApplication app(argc, argv);
     defaultStyle.set(app, QStringLiteral("plastique"));
