@@ -14,7 +14,7 @@ private Q_SLOTS:
     void neverWrapsText()
     {
         const auto draw = [](bool wrap, auto paint) {
-            QImage image(60, 300, QImage::Format_RGB32);
+            QImage image(150, 300, QImage::Format_RGB32);
             image.fill(Qt::white);
             QPainter painter(&image);
             QStyleOptionViewItem option;
