@@ -181,7 +181,8 @@ PyObject* YumIO::collectGrabMultiMeterRemove(PyObject*, PyObject* args)
 
 PyObject* YumIO::collectGrabMultiMeterEnd(PyObject*, PyObject*)
 {
-    progress->endItemActsThreads();
+    if (progress)
+        progress->endItemActsThreads();
     collectState.multiActive = false;
     collectState.multiStarted = false;
     collectState.nextThread = 0;
@@ -253,6 +254,9 @@ QString YumIO::actText(RepoAct act, const QString& name)
 
 void YumIO::collectStart(void* meter, const QString& name, RepoAct act, long value, long size)
 {
+    // The script may download at a time when nobody watches.
+    if (!progress)
+        return;
     collectState.act = actNumber(collectState.act, act);
     collectState.lastTotal = static_cast<int>(size);
     collectState.lastName = name;
@@ -320,6 +324,8 @@ bool YumIO::batchSlot(void* meter, const QString& message, unsigned int& slot)
 
 void YumIO::collectUpdate(void* meter, long value)
 {
+    if (!progress)
+        return;
     if (!collectState.multiActive) {
         progress->setItemValue(steps(value));
         return;
@@ -332,6 +338,8 @@ void YumIO::collectUpdate(void* meter, long value)
 
 void YumIO::collectEnd(void* meter, long value)
 {
+    if (!progress)
+        return;
     if (!collectState.multiActive)
         return;
     unsigned int slot = 0;
@@ -345,6 +353,8 @@ void YumIO::collectEnd(void* meter, long value)
 
 void YumIO::collectFailure(void* meter)
 {
+    if (!progress)
+        return;
     if (!collectState.multiActive)
         return;
     unsigned int slot = 0;
