@@ -4,17 +4,16 @@ recorder in the place of the program's module."""
 
 import functools
 import hashlib
-import http.server
 import os
 import shutil
-import socketserver
 import subprocess
 import sys
 import tempfile
-import threading
 import time
 import types
 import unittest
+
+from server import Server
 
 SHARE = os.environ.get('VOKSHARE') or os.path.join(
     os.path.dirname(os.path.abspath(__file__)), '..', '..', '..', 'share')
@@ -146,78 +145,6 @@ COMPS = '''<?xml version="1.0" encoding="UTF-8"?>
   </group>
 </comps>
 '''
-
-
-class Server:
-    """Serves a directory on loopback, counts requests, and misbehaves as told.
-
-    `behave[path]` is one of: 404 and other numbers, 'hang', 'truncate', ('redirect', url), or a
-    function of the handler. `requests` lists (path, bytes sent).
-    """
-
-    def __init__(self, directory):
-        self.directory = directory
-        self.requests = []
-        self.behave = {}
-        self.credentials = None
-        self.released = threading.Event()
-        outer = self
-
-        class Handler(http.server.SimpleHTTPRequestHandler):
-            protocol_version = 'HTTP/1.0'
-
-            def translate_path(self, path):
-                return os.path.join(outer.directory, path.split('?')[0].lstrip('/'))
-
-            def log_message(self, *args):
-                pass
-
-            def do_GET(self):
-                outer.requests.append(self.path)
-                if outer.credentials and self.headers.get('Authorization') != outer.credentials:
-                    self.send_response(401)
-                    self.send_header('WWW-Authenticate', 'Basic realm="x"')
-                    self.end_headers()
-                    return
-                what = outer.behave.get(self.path)
-                if what is None:
-                    super().do_GET()
-                elif isinstance(what, int):
-                    self.send_error(what)
-                elif what == 'hang':
-                    outer.released.wait(60)
-                elif what == 'truncate':
-                    with open(self.translate_path(self.path), 'rb') as stream:
-                        data = stream.read()
-                    self.send_response(200)
-                    self.send_header('Content-Length', str(len(data)))
-                    self.end_headers()
-                    self.wfile.write(data[:len(data) // 2])
-                elif isinstance(what, tuple):
-                    self.send_response(302)
-                    self.send_header('Location', what[1])
-                    self.end_headers()
-                else:
-                    what(self)
-
-        class Threading(socketserver.ThreadingMixIn, http.server.HTTPServer):
-            daemon_threads = True
-
-        self._server = Threading(('127.0.0.1', 0), Handler)
-        self.url = 'http://127.0.0.1:%d' % self._server.server_address[1]
-        self._thread = threading.Thread(target=self._server.serve_forever,
-                                        kwargs={'poll_interval': 0.02}, daemon=True)
-        self._thread.start()
-
-    def close(self):
-        self.released.set()
-        self._server.shutdown()
-        self._server.server_close()
-        self._thread.join()
-
-    def names(self):
-        """The last path component of each request, in order."""
-        return [path.split('?')[0].rsplit('/', 1)[-1] for path in self.requests]
 
 
 class Recorder(types.ModuleType):
