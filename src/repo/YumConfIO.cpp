@@ -280,7 +280,7 @@ int YumConfIO::readLine(FILE* file, const QString& path, QString& line)
             break;
         lineBytes.append(static_cast<char>(byte));
     }
-    line = QString::fromLatin1(lineBytes);
+    line = QString::fromLatin1(lineBytes.constData(), lineBytes.size()); // null bytes too
 
     if (failure != 0) {
         const QString text = tr("Error reading repository configuration file %1").arg(path);

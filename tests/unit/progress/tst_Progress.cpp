@@ -4,6 +4,7 @@
 #include "progress/ProgressMinion.h"
 
 #include <QPointer>
+#include <QScopeGuard>
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
@@ -625,6 +626,10 @@ void TestProgress::setsTheBarsFromAWorkThread()
         seen.acquire();
     }));
     thread->start();
+    const auto joined = qScopeGuard([&] {
+        seen.release();
+        thread->wait();
+    });
 
     QTRY_COMPARE(item->value(), 25);
     QCOMPARE(total->value(), 250);
@@ -674,7 +679,6 @@ void TestProgress::userKeepsTheObjectForAScope()
 void TestProgress::deletesTheMinionBehindTheLastSignals()
 {
     QPointer<Progress::Minion> minion;
-    std::unique_ptr<QSignalSpy> destroyed;
     QString textAtEnd = QStringLiteral("unset");
     QThread* deletedOn = nullptr;
 
