@@ -5,6 +5,7 @@
 #include "table/PackageTableModel.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace PackageTable
 {
@@ -36,34 +37,76 @@ const QByteArray& Rows::text(int row)
     return text;
 }
 
-int Rows::rank(int row, Column column)
+/// The raw value that a column is ordered by, as 32 bits: sizes of 2 GiB and times past 2038 wrap.
+static int orderNumber(const Package::Entry& entry, Column column)
 {
-    std::vector<int>& columnRanks = ranks[column];
-    if (columnRanks.size() <= static_cast<size_t>(row))
-        makeRanks(columnRanks, column);
-    return columnRanks[static_cast<size_t>(row)];
+    switch (column) {
+    case ColumnState:
+        return entry.state;
+    case ColumnKind:
+        return entry.kind;
+    case ColumnSize:
+        return static_cast<int>(static_cast<quint32>(entry.sizeBytes));
+    case ColumnBuildTime:
+        return static_cast<int>(static_cast<quint32>(entry.buildTime));
+    default:
+        return 0;
+    }
 }
 
-void Rows::makeRanks(std::vector<int>& columnRanks, Column column) const
+/// Writes to `ranks` the places of the rows in the order of their keys. Equal keys share a place.
+template<typename Key> static void rankKeys(const std::vector<Key>& keys, std::vector<int>& ranks)
 {
-    struct Item {
-        QString text;
-        size_t row;
-    };
-    std::vector<Item> items;
-    items.reserve(static_cast<size_t>(yumIO->count()));
-    for (const Package::Entry* entry : *yumIO)
-        items.push_back({Model::text(*entry, column), items.size()});
-    std::sort(items.begin(), items.end(),
-              [](const Item& left, const Item& right) { return left.text < right.text; });
+    std::vector<std::pair<Key, size_t>> ordered;
+    ordered.reserve(keys.size());
+    for (const Key& key : keys)
+        ordered.emplace_back(key, ordered.size());
+    std::sort(ordered.begin(), ordered.end(),
+              [](const auto& left, const auto& right) { return left.first < right.first; });
 
-    columnRanks.assign(items.size(), 0);
+    ranks.resize(keys.size());
     int rank = 0;
-    for (size_t i = 0; i < items.size(); ++i) {
-        if (i > 0 && items[i - 1].text != items[i].text)
+    for (size_t i = 0; i < ordered.size(); ++i) {
+        if (i > 0 && ordered[i - 1].first < ordered[i].first)
             ++rank;
-        columnRanks[items[i].row] = rank;
+        ranks[ordered[i].second] = rank;
     }
+}
+
+int Rows::rank(int row, Column column)
+{
+    const auto at = static_cast<size_t>(row);
+    std::vector<int>& columnRanks = ranks[column];
+    if (columnRanks.size() <= at)
+        makeRanks(column);
+    return columnRanks[at];
+}
+
+void Rows::makeRanks(Column column)
+{
+    std::vector<int>& columnRanks = ranks[column];
+    const auto count = static_cast<size_t>(yumIO->count());
+
+    if (column >= ColumnName && column <= ColumnArchitecture) {
+        std::vector<QString> keys;
+        keys.reserve(count);
+        for (const Package::Entry* entry : *yumIO)
+            keys.push_back(Model::text(*entry, column));
+        rankKeys(keys, columnRanks);
+        if (column == ColumnName)
+            return;
+    } else {
+        columnRanks.clear();
+        columnRanks.reserve(count);
+        for (const Package::Entry* entry : *yumIO)
+            columnRanks.push_back(orderNumber(*entry, column));
+    }
+
+    std::vector<std::pair<int, int>> keys;
+    keys.reserve(count);
+    for (size_t row = 0; row < count; ++row)
+        keys.emplace_back(columnRanks[row], rank(static_cast<int>(row), ColumnName));
+    rankKeys(keys, columnRanks);
 }
 
 } // namespace PackageTable

@@ -29,11 +29,12 @@ public:
 
     /// The texts that the table shows of a row, joined by blanks, as UTF-8.
     const QByteArray& text(int row);
-    /// Place of the row in the order of a text column; equal texts have equal places.
+    /// Place of the row in the ascending order of a column, ties by name; rows that tie in both
+    /// share a place. Not for the action, which changes.
     int rank(int row, Column column);
 
 private:
-    void makeRanks(std::vector<int>& ranks, Column column) const;
+    void makeRanks(Column column);
 
     const YumIO* yumIO;
     std::vector<QByteArray> texts; ///< a null one isn't made yet

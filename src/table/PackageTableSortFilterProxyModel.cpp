@@ -195,6 +195,8 @@ bool SortFilterProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex& so
             accepted = *verdict;
         } else {
             accepted = acceptRow(entry, sourceRow, sourceParent);
+            if (cache.isEmpty())
+                cache.reserve(yumIO->count());
             cache.insert(entry, accepted);
         }
     }
@@ -286,27 +288,8 @@ bool SortFilterProxyModel::matchesPackageFields(const Package::Entry& entry) con
            matches(yumIO->getPackager(entry)) || matches(yumIO->getUrl(entry)) ||
            matches(yumIO->getRelocations(entry)) || matches(yumIO->getProvides(entry)) ||
            matches(yumIO->getRequires(entry)) || matches(yumIO->getConflicts(entry)) ||
-           matches(yumIO->getObsoletes(entry)) || matches(yumIO->getFiles(entry)) ||
+           matches(yumIO->getObsoletes(entry)) || pattern.matches(yumIO->getFilesUtf8(entry)) ||
            matches(yumIO->getChangeLog(entry));
-}
-
-/// The raw value that a column is ordered by, as 32 bits: sizes of 2 GiB and times past 2038 wrap.
-static int orderNumber(const Package::Entry& entry, int column)
-{
-    switch (column) {
-    case ColumnAction:
-        return entry.action;
-    case ColumnState:
-        return entry.state;
-    case ColumnKind:
-        return entry.kind;
-    case ColumnSize:
-        return static_cast<int>(static_cast<quint32>(entry.sizeBytes));
-    case ColumnBuildTime:
-        return static_cast<int>(static_cast<quint32>(entry.buildTime));
-    default:
-        return 0;
-    }
 }
 
 static bool isOrderedByNumber(int column)
@@ -327,17 +310,12 @@ bool SortFilterProxyModel::lessThan(const QModelIndex& left, const QModelIndex& 
     // from this one has its own lessThan() asked about ties, so it takes the long way.
     if (direct && column == right.column() && isDirect(left) && isDirect(right) &&
         typeid(*this) == typeid(SortFilterProxyModel)) {
-        if (isOrderedByNumber(column)) {
-            const int leftNumber = orderNumber(*(*yumIO)[left.row()], column);
-            const int rightNumber = orderNumber(*(*yumIO)[right.row()], column);
-            if (leftNumber != rightNumber)
-                return leftNumber < rightNumber;
-        } else if (column != ColumnName) {
-            const int leftRank = rows.rank(left.row(), Column(column));
-            const int rightRank = rows.rank(right.row(), Column(column));
-            if (leftRank != rightRank)
-                return leftRank < rightRank;
-        }
+        if (column != ColumnAction)
+            return rows.rank(left.row(), Column(column)) < rows.rank(right.row(), Column(column));
+        const Package::Action leftAction = (*yumIO)[left.row()]->action;
+        const Package::Action rightAction = (*yumIO)[right.row()]->action;
+        if (leftAction != rightAction)
+            return leftAction < rightAction;
         return rows.rank(left.row(), ColumnName) < rows.rank(right.row(), ColumnName);
     }
 
