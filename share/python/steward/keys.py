@@ -24,9 +24,10 @@ class KeyQuestion(dnf.callback.KeyImport):
     def __init__(self, repo):
         super().__init__()
         self._repo = repo
+        self.refused = False
 
     def _confirm(self, id, userid, fingerprint, url, timestamp):  # pylint: disable=redefined-builtin
-        return confirm((
+        trusted = confirm((
             "The metadata of the repository '%s' is signed with a key that is not known yet:"
             % self._repo,
             'User ID: %s' % userid,
@@ -36,3 +37,5 @@ class KeyQuestion(dnf.callback.KeyImport):
             'From: %s' % url,
             'Is this key to be trusted?',
         ))
+        self.refused = not trusted
+        return trusted

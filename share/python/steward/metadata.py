@@ -175,7 +175,6 @@ class Refresh:
         wanted = []
         for record in records:
             target = self._staged(record.href)
-            os.makedirs(os.path.dirname(target), exist_ok=True)
             if not self._reuse(record, target):
                 wanted.append(downloads.File(record.href, target, record.checksum_type,
                                              record.checksum, record.size, record.base))
@@ -188,6 +187,7 @@ class Refresh:
     def _reuse(self, record, target):
         """Takes over an unchanged file of the old cache, which saves its download."""
         old = self._cached(record.href)
+        os.makedirs(os.path.dirname(target), exist_ok=True)
         if not repomd.file_matches(old, record.checksum_type, record.checksum):
             return False
         _link(old, target)
@@ -197,12 +197,8 @@ class Refresh:
         """File lists and change logs fetched earlier stay, if the new metadata still lists them."""
         for kind in ('filelists', 'other'):
             record = self._records.get(kind)
-            if record is None:
-                continue
-            old, target = self._cached(record.href), self._staged(record.href)
-            if os.path.isfile(old) and not os.path.exists(target):
-                os.makedirs(os.path.dirname(target), exist_ok=True)
-                _link(old, target)
+            if record is not None and not os.path.exists(self._staged(record.href)):
+                self._reuse(record, self._staged(record.href))
 
     def _install(self):
         """Puts the files in place and has the library load them.
@@ -217,7 +213,8 @@ class Refresh:
                 return
             except (libdnf.error.Error, RuntimeError) as exc:
                 text = text_of(exc)
-                if last or os.path.exists(self._cached('repodata/repomd.xml')):
+                if last or self._repo._key_import.refused \
+                        or os.path.exists(self._cached('repodata/repomd.xml')):
                     problem = RepoError("Failed to load the metadata of repository '%s': %s"
                                         % (self._repo.id, text))
                     break

@@ -237,7 +237,8 @@ class SystemTest(unittest.TestCase):
         yumIOC.clear()
         yumIOC.answer = 1
         self.names = script()
-        from steward import session, system
+        from steward import lock, session, system
+        self.addCleanup(lock.drop)
         session._Process.collected = session._Process.ask = False
         self.addCleanup(system.end_current)
 
@@ -284,7 +285,6 @@ class SystemTest(unittest.TestCase):
         """One collection as the program does it; returns the object with its lists in `lists`."""
         made = made or self.make()
         made.lock()
-        self.addCleanup(made.unlock)
         made.setupRepos()
         made.setupTs()
         lists = types.SimpleNamespace()

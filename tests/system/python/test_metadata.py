@@ -341,10 +341,11 @@ class Signatures(SystemTest):
     def test_aKeyThatTheUserRefusesIsNotTrusted(self):
         self.signed()
         yumIOC.answer = 0
-        for _ in range(2):
+        for times in (1, 2):
             with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
                 self.collect()
             self.assertIn("'base'", caught.exception.value)
+            self.assertEqual(len(yumIOC.named('userconfirm')), times)
 
     def test_unsignedMetadataIsRefusedWhereASignatureIsAskedFor(self):
         self.signed()
