@@ -4,6 +4,7 @@
 #include "kit/Colors.h"
 #include "kit/HTextEdit.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QEventLoop>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -65,6 +66,8 @@ Log::Window::Window(EntryList& list, QWidget* parent)
     m_text->setLineWrapMode(QTextEdit::NoWrap);
     m_text->setWordWrapMode(QTextOption::NoWrap);
     m_text->setTabChangesFocus(true);
+    // Newer versions of Qt collapse blanks even where they are written as character references.
+    m_text->document()->setDefaultStyleSheet(QStringLiteral("font { white-space: pre; }"));
 
     m_level->setRange(0, maximumLevel);
     m_level->setValue(defaultLevel);
@@ -111,7 +114,7 @@ void Log::Window::setVisible(bool visible)
     }
     QWidget::setVisible(visible);
     if (visible && !wasVisible)
-        m_text->verticalScrollBar()->setValue(m_text->verticalScrollBar()->maximum());
+        scrollToEnd();
     if (!visible && wasVisible) {
         {
             const QMutexLocker lock(&m_list.mutex);
@@ -137,7 +140,7 @@ void Log::Window::htmlProtect(QString& text)
 {
     text.replace(QLatin1Char('<'), QLatin1String("&lt;"));
     text.replace(QLatin1Char('>'), QLatin1String("&gt;"));
-    // Rich text collapses blanks, but not those that are written as numbers.
+    // Blanks in rich text stand for themselves only as numbers.
     text.replace(QLatin1Char(' '), QLatin1String("&#x0020;"));
     text.replace(QLatin1Char('\t'), QLatin1String("&#x0009;"));
 }
@@ -152,6 +155,15 @@ void Log::Window::levelChanged(int)
 {
     clear();
     appended();
+}
+
+void Log::Window::scrollToEnd()
+{
+    // Qt lays out a long text bit by bit. Asking for its size completes that, but tells nobody, and
+    // the scroll bar's range would stay behind.
+    QAbstractTextDocumentLayout* layout = m_text->document()->documentLayout();
+    Q_EMIT layout->documentSizeChanged(layout->documentSize());
+    m_text->verticalScrollBar()->setValue(m_text->verticalScrollBar()->maximum());
 }
 
 void Log::Window::clear()
@@ -174,7 +186,9 @@ void Log::Window::render()
     }
 
     const unsigned int level = static_cast<unsigned int>(m_level->value());
-    m_text->setUpdatesEnabled(false);
+    const bool atEnd =
+        m_text->verticalScrollBar()->value() >= m_text->verticalScrollBar()->maximum();
+    // One edit block for all: the text is laid out once and not line by line.
     QTextCursor cursor(m_text->document());
     cursor.beginEditBlock();
     for (const Entry& entry : qAsConst(added)) {
@@ -182,7 +196,8 @@ void Log::Window::render()
             m_text->appendCompact(markup(entry));
     }
     cursor.endEditBlock();
-    m_text->setUpdatesEnabled(true);
+    if (atEnd)
+        scrollToEnd();
 
     // Painted at once, even in the midst of a long series of signals; no button may be pressed
     // meanwhile.

@@ -36,6 +36,7 @@ public Q_SLOTS:
 
 private:
     void render();
+    void scrollToEnd();
     void clear();
 
     EntryList& m_list;
