@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "ProcessPerTest.h"
+#include "WindowLife.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTableView>
+#include <QtTest>
+
+namespace
+{
+
+/// A stand-in for a viewer: writes its arguments, one a line, to "seen" in its own directory.
+const char viewer[] = "#!/bin/sh\n"
+                      "dir=$(dirname \"$0\")\n"
+                      "printf '%s\\n' \"$@\" > \"$dir/part\"\n"
+                      "mv \"$dir/part\" \"$dir/seen\"\n";
+
+QByteArray contents(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+/// The one-shot commands: cleaning, repositories, help, apply.
+class TestMainWindowCommands : public QObject
+{
+    Q_OBJECT
+
+private:
+    void cleaningCollectsAnew(const char* text, const QStringList& methods)
+    {
+        WindowLife life;
+        life.system["version"] = "2.9.1";
+        life.play();
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        life.calls();
+        QVERIFY(life.action(QString::fromLatin1(text))->isEnabled());
+        life.action(QString::fromLatin1(text))->trigger();
+        const QStringList calls = life.calls();
+        for (const QString& method : methods)
+            QVERIFY2(calls.contains(method), qPrintable(method));
+        QVERIFY(calls.indexOf(methods.last()) < calls.indexOf("flush"));
+        QCOMPARE(calls.count("collectAll"), 1);
+        QCOMPARE(life.listed(), QStringList{"alpha"});
+        QCOMPARE(life.entry("alpha")->action, Package::ActionNone);
+        // As after a refresh, the button learns of it only later.
+        QVERIFY(life.find<QPushButton>("apply")->isEnabled());
+        QVERIFY(life.ready());
+        QVERIFY(!QApplication::overrideCursor());
+    }
+
+private Q_SLOTS:
+    void cleanHeadersCollectsAnew() { cleaningCollectsAnew("Clean Headers", {"cleanHeaders"}); }
+    void cleanXmlMetadataCollectsAnew()
+    {
+        cleaningCollectsAnew("Clean XML Metadata", {"cleanMetadata"});
+    }
+    void cleanPickledCacheCollectsAnew()
+    {
+        cleaningCollectsAnew("Clean Pickled Data", {"cleanPickles"});
+    }
+    void cleanSqliteCacheCollectsAnew()
+    {
+        cleaningCollectsAnew("Clean Sqlite Data", {"cleanSqlite"});
+    }
+    void cleanAllCollectsAnew()
+    {
+        cleaningCollectsAnew("Clean All", {"cleanHeaders", "cleanPackages", "cleanMetadata",
+                                           "cleanPickles", "cleanSqlite"});
+    }
+
+    void cleanPackagesKeepsTheTableAsItIs()
+    {
+        WindowLife life;
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        life.calls();
+        const QSignalSpy resets(life.model(), &QAbstractItemModel::modelReset);
+        const Package::Entry* before = life.entry("alpha");
+        life.action("Clean Packages")->trigger();
+        const QStringList calls = life.calls();
+        QVERIFY(calls.contains("cleanPackages"));
+        QVERIFY(!calls.contains("collectAll") && !calls.contains("flush"));
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(life.entry("alpha"), const_cast<Package::Entry*>(before));
+        QCOMPARE(before->action, Package::ActionUpdate);
+        QVERIFY(life.ready());
+        QVERIFY(!QApplication::overrideCursor());
+    }
+
+    void applyTellsThatItComesLaterAndChangesNothing()
+    {
+        WindowLife life;
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        life.calls();
+        life.dialogs.expect("Apply").textContains("next version").press("OK");
+        life.click("apply");
+        QVERIFY(life.dialogs.waitUntilDone());
+        QCOMPARE(life.calls(), QStringList());
+        QCOMPARE(life.entry("alpha")->action, Package::ActionUpdate);
+        QVERIFY(life.ready());
+    }
+
+    void theRepositoryBoxNamesTheFilesAndReadsTheListAnew()
+    {
+        WindowLife life;
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        life.calls();
+        life.dialogs.expect("VOK Repository Editor")
+            .act([&](QWidget* box) {
+                const QString text = qobject_cast<QMessageBox*>(box)->text();
+                for (const char* file : {"etc/yum.conf", "etc/yum.repos.d", "etc/yum/repos.d"})
+                    QVERIFY2(text.contains(life.rootPath(QString::fromLatin1(file))), file);
+                QVERIFY(life.calls().isEmpty());
+                life.system["updates"] = QJsonArray();
+                life.play();
+            })
+            .press("OK");
+        life.action("Edit Configuration")->trigger();
+        QVERIFY(life.dialogs.waitUntilDone());
+        QCOMPARE(life.calls().count("collectAll"), 1);
+        QCOMPARE(life.listed(), QStringList());
+        QVERIFY(life.ready());
+        QVERIFY(!QApplication::overrideCursor());
+    }
+
+    void startingWithTheRepositoryEditorCollectsWhenItIsLeft()
+    {
+        WindowLife life;
+        life.window().setStartInRepoEditor();
+        bool met = false;
+        life.dialogs.expect("VOK Repository Editor")
+            .act([&](QWidget* box) {
+                met = true;
+                QVERIFY(qobject_cast<QMessageBox*>(box)->text().contains(
+                    life.rootPath(QStringLiteral("etc/yum.repos.d"))));
+                QVERIFY(life.find<QWidget>("mainArea")->isHidden());
+                QVERIFY(life.action("Quit")->isEnabled());
+                QVERIFY(!life.calls().contains("collectAll"));
+            })
+            .pressKey(Qt::Key_Escape);
+        QVERIFY(life.start());
+        QVERIFY(met);
+        QCOMPARE(life.calls().count("collectAll"), 1);
+        QCOMPARE(life.listed(), QStringList{"alpha"});
+        QVERIFY(life.table()->columnWidth(3) >=
+                static_cast<QAbstractItemView*>(life.table())->sizeHintForColumn(3));
+        QVERIFY(!QApplication::overrideCursor());
+    }
+
+    void theManualOpensInTheBrowser()
+    {
+        WindowLife life;
+        WindowLife::writeFile(life.sharePath("webbrowser"), viewer, true);
+        life.window();
+        life.action("Manual (html)")->trigger();
+        QTRY_VERIFY(QFile::exists(life.sharePath("seen")));
+        QCOMPARE(contents(life.sharePath("seen")),
+                 QByteArray("/usr/share/doc/vok-1.11.11/html/index.html\n"));
+    }
+
+    void theManualForPrintingOpensInItsViewer()
+    {
+        WindowLife life;
+        WindowLife::writeFile(life.sharePath("mimeviewer"), viewer, true);
+        life.window();
+        life.action("Manual (PDF)")->trigger();
+        QTRY_VERIFY(QFile::exists(life.sharePath("seen")));
+        QCOMPARE(contents(life.sharePath("seen")),
+                 QByteArray("application/pdf\n/usr/share/doc/vok-1.11.11/manual.pdf\n"));
+    }
+
+    void aboutTellsTheProgramAndItsVersion()
+    {
+        WindowLife life;
+        life.window();
+        life.dialogs.expect("About")
+            .text("<h3>VOK 1.11.11</h3><hr><p>VOK, Package Steward, is a graphical user interface "
+                  "which allows a user to make modifications to the installed rpm packages on a "
+                  "system.</p><p>Capabilities:<p><ul><li>Install new packages or update existing "
+                  "packages by downloading them from a yum package repository</li><li>Remove "
+                  "existing packages.</li><li>Configure sets of repositories from which to obtain "
+                  "new and updated packages.</li><li>Examine installed packages or packages "
+                  "available for installation or update</li><li>Install, update, or remove groups "
+                  "of packages</li><li>Install or update suites of packages</li></ul><p>For more "
+                  "information see https://vok.example/.</p>")
+            .press("OK");
+        life.action("About")->trigger();
+        QVERIFY(life.dialogs.waitUntilDone());
+    }
+};
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    TestMainWindowCommands tests;
+    return runEachTestInItsOwnProcess(tests, argc, argv);
+}
+#include "tst_MainWindowCommands.moc"
