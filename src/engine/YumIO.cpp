@@ -259,6 +259,7 @@ void YumIO::clearEntries()
 void YumIO::clearEntriesReal()
 {
     blocker.block();
+    adoptUnpublishedEntries();
     {
         PyGILStateWrapper lock(true);
         for (Package::Entry* entry : qAsConst(entries)) {
@@ -273,11 +274,25 @@ void YumIO::clearEntriesReal()
 void YumIO::clearEntriesBeforeQuit()
 {
     clearingEntries = true;
+    adoptUnpublishedEntries();
     for (Package::Entry* entry : qAsConst(entries)) {
         for (Package::Entry* link = entry; link; link = link->next)
             link->pyObject = nullptr;
     }
     dropEntries();
+}
+
+void YumIO::adoptUnpublishedEntries()
+{
+    // A collection that failed leaves what it had made in the hash alone. Dropping it from there
+    // would do, but its objects are as many as a whole collection's, and the next one makes them
+    // again.
+    if (!entries.isEmpty())
+        return;
+    for (Package::Entry* entry : qAsConst(entryHash)) {
+        if (entry)
+            entries.append(entry);
+    }
 }
 
 void YumIO::dropEntries()

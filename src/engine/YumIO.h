@@ -245,6 +245,8 @@ protected:
     /// The one place that spins a local event loop while work runs.
     void execWorkThread(QEventLoop& loop, QThread& thread);
     void clearEntriesReal();
+    /// Makes entries of a failed collection ready to be cleared; `clearingEntries` is set.
+    void adoptUnpublishedEntries();
     /// Deletes all entries; their objects have been dealt with.
     void dropEntries();
     /// Makes a new `yumIO` in place of the old; null with the exception pending where that fails.

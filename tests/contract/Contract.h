@@ -51,6 +51,7 @@ public:
 
     /// Forgets all that the engine asked of the package manager once.
     void forget();
+    bool isI686(Package::Entry* entry) { return entry->arch == QLatin1String("i686"); }
 };
 
 /// One engine and the double of its script for a test class: the interpreter starts once a process.
