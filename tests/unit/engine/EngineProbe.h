@@ -32,9 +32,11 @@ public:
     using YumIO::entryHash;
     using YumIO::exceptLogStart;
     using YumIO::execWorkThread;
+    using YumIO::fileListsCollected;
     using YumIO::getBiArch;
     using YumIO::lockError;
     using YumIO::noMoreMirrorsRepoError;
+    using YumIO::otherDataCollected;
     using YumIO::pyDescribe;
     using YumIO::pyDictGetItem;
     using YumIO::pyExceptClear;
