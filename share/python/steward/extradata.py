@@ -149,7 +149,8 @@ def _file_text(markup):
     elif b'&' in markup:
         found = [html.unescape(path.decode('utf-8', 'replace')).encode('utf-8')
                  if b'&' in path else path for path in found]
-    if len(found) > 1:
+    found.sort()
+    if len(set(found)) < len(found):
         found = sorted(set(found))
     return b'\n'.join(found)
 

@@ -4,7 +4,8 @@
 The library makes a package object of a pair (set of packages, number), and the classes here are
 made of the same pair: no wrapper, no dictionary, and `name`, `arch`, `size` and `buildtime` are the
 library's own attributes. They keep the set of packages alive, so they stay usable after the library
-was closed.
+was closed. What all packages of one collection share, their System, is an attribute of two classes
+made for it, so that making tens of thousands of packages runs no code of this module.
 """
 
 import collections.abc
@@ -52,16 +53,12 @@ def split_version(text):
 
 
 class Package(hawkey.Package):
-    """What installed and available packages have in common. `system` is the package's System."""
+    """What installed and available packages have in common."""
 
-    __slots__ = ('system',)
+    __slots__ = ()
 
-    def __new__(cls, origin, system):
-        return super().__new__(cls, origin)
-
-    def __init__(self, origin, system):
-        super().__init__(origin)
-        self.system = system
+    # The System that the package belongs to; see `classes`.
+    system = None
 
     def printVer(self):
         return self.evr
@@ -247,11 +244,12 @@ _SIMPLE = {
 }
 
 
-def installed(query, sack, system):
-    """The packages of `query` as Installed objects."""
-    return [Installed((sack, hash(package)), system) for package in query]
+def classes(system):
+    """The classes (installed, available) for the packages of one System."""
+    return tuple(type(base.__name__, (base,), {'__slots__': (), 'system': system})
+                 for base in (Installed, Available))
 
 
-def available(query, sack, system):
-    """The packages of `query` as Available objects."""
-    return [Available((sack, hash(package)), system) for package in query]
+def made(query, sack, kind):
+    """The packages of `query` as objects of the class `kind`."""
+    return [kind((sack, number)) for number in map(hash, query)]

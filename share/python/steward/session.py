@@ -125,7 +125,7 @@ class Session:
                     for package in sack.query().installed()}
         query = self._runnable(sack.query().filterm(upgrades_by_priority=True)) \
             .filterm(latest_per_arch_by_priority=True)
-        return [package for package in packages.available(query, sack, self.system)
+        return [package for package in packages.made(query, sack, self.system.available)
                 if (package.name, arches.family(package.arch)) in families]
 
     @errors.communication
@@ -134,8 +134,8 @@ class Session:
         installed = sack.query(flags=hawkey.IGNORE_EXCLUDES).installed()
         available = self._runnable(sack.query().available()) \
             .filterm(latest_per_arch_by_priority=True)
-        return Collected(packages.installed(installed, sack, self.system),
-                         packages.available(available, sack, self.system))
+        return Collected(packages.made(installed, sack, self.system.installed),
+                         packages.made(available, sack, self.system.available))
 
     @errors.communication
     def setupTsGroup(self):

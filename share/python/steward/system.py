@@ -20,7 +20,7 @@ import libdnf.conf
 import libdnf.error
 import rpm
 
-from steward import lock, metadata
+from steward import lock, metadata, packages
 from steward.errors import repo_error, text_of
 from steward.keys import KeyQuestion
 from yum.Errors import RepoError
@@ -114,6 +114,7 @@ class System:
         self.repos = Repositories(self.base)
         self._headers = None
         self.extra = None
+        self.installed, self.available = packages.classes(self)
         # Best first; filled by `load`.
         self.arches = []
         self.basearch = self.conf.substitutions.get('basearch', '')
