@@ -13,6 +13,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
+#include <QScreen>
 #include <QTimer>
 
 #include <sys/utsname.h>
@@ -85,7 +86,7 @@ void MainWindow::initialize()
     engine->collect(usedRepos);
     model->reset();
     mainArea->show();
-    view->resizeColumnsToContents();
+    fitToContents();
     filtersearch();
     setReady(true);
     initialized = true;
@@ -126,6 +127,20 @@ void MainWindow::setReady(bool nowReady)
         QApplication::setOverrideCursor(Qt::BusyCursor);
     QEventLoop().processEvents(QEventLoop::ExcludeUserInputEvents);
     ready = nowReady;
+}
+
+void MainWindow::fitToContents()
+{
+    view->resizeColumnsToContents();
+    if (isMaximized() || isFullScreen())
+        return;
+    const QRect available = screen()->availableGeometry();
+    const QRect frame = frameGeometry();
+    const QPoint corner(
+        qMax(available.left(), qMin(frame.left(), available.right() - frame.width() + 1)),
+        qMax(available.top(), qMin(frame.top(), available.bottom() - frame.height() + 1)));
+    if (corner != frame.topLeft())
+        move(corner);
 }
 
 void MainWindow::collectAnew()

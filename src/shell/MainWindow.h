@@ -140,6 +140,9 @@ private:
     /// Enables or disables all that starts an operation. Each call with false pushes a busy cursor,
     /// and each with true pops one; nobody counts them.
     void setReady(bool ready);
+    /// Fits columns and window to the contents, and keeps the window, which grows downwards and to
+    /// the right, on its screen.
+    void fitToContents();
     /// Throws the package list away and collects it from fresh configuration.
     void collectAnew();
     /// Ends the engine, and before it the table, which reads its rows there. Once; then `engine` is

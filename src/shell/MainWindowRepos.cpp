@@ -3,7 +3,6 @@
 
 #include "engine/YumIO.h"
 #include "kit/SystemRoot.h"
-#include "table/PackageTableView.h"
 
 #include <QMessageBox>
 
@@ -36,7 +35,7 @@ void MainWindow::reposChanged()
     collectAnew();
     if (mainArea->isHidden()) {
         mainArea->show();
-        view->resizeColumnsToContents();
+        fitToContents();
     }
     setReady(true);
 }

@@ -41,7 +41,7 @@ void MainWindow::setGroups(bool include)
 
 void MainWindow::resize()
 {
-    view->resizeColumnsToContents();
+    fitToContents();
 }
 
 bool MainWindow::inSearchMode() const

@@ -2,29 +2,15 @@
 #include "WindowLife.h"
 
 #include "engine/PyRef.h"
-#include "kit/Application.h"
-#include "table/PackageTable.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QCheckBox>
-#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QSortFilterProxyModel>
-#include <QTableView>
 #include <QtTest>
-
-#include <algorithm>
 
 namespace
 {
-
-char programName[] = "vok";
 
 QJsonObject package(const char* name, const char* version, const char* repository,
                     const char* architecture = "x86_64")
@@ -59,9 +45,6 @@ QJsonObject smallSystem()
 WindowLife::WindowLife()
     : system(smallSystem())
 {
-    application = qApp;
-    program = programName;
-    QApplication::setQuitOnLastWindowClosed(false);
     QFile::link(QStringLiteral(VOK_DOUBLE_SHARE "/python"), sharePath(QStringLiteral("python")));
     QFile::link(QStringLiteral(VOK_SHARE "/icons"), sharePath(QStringLiteral("icons")));
     writeFile(rootPath(QStringLiteral("etc/yum.conf")), "[main]\ncachedir=/var/cache/steward\n");
@@ -71,12 +54,6 @@ WindowLife::WindowLife()
     qputenv("VOKROOT", QFile::encodeName(root.path()));
     qputenv("VOK_DOUBLE", QFile::encodeName(rootPath(QStringLiteral("double.json"))));
     play();
-}
-
-WindowLife::~WindowLife()
-{
-    delete made;
-    takeBusyCursors();
 }
 
 void WindowLife::play()
@@ -100,103 +77,6 @@ void WindowLife::useScript(const QByteArray& text)
     writeFile(sharePath(QStringLiteral("python/YumIO.py")), text);
 }
 
-MainWindow& WindowLife::window()
-{
-    if (!made)
-        made = new MainWindow(nullptr);
-    return *made;
-}
-
-bool WindowLife::start()
-{
-    window().show();
-    return QTest::qWaitFor([this] { return ready(); }, 10000);
-}
-
-bool WindowLife::ready()
-{
-    const auto* area = find<QWidget>("mainArea");
-    return area->isVisible() && area->isEnabled();
-}
-
-QAction* WindowLife::action(const QString& text)
-{
-    const auto actions = window().findChildren<QAction*>();
-    for (QAction* action : actions) {
-        if (action->text().remove(QLatin1Char('&')) == text)
-            return action;
-    }
-    return nullptr;
-}
-
-void WindowLife::click(const char* button)
-{
-    QTest::mouseClick(find<QPushButton>(button), Qt::LeftButton);
-}
-
-void WindowLife::filter(const QString& pattern)
-{
-    auto* edit = find<QLineEdit>("regexp");
-    edit->selectAll();
-    QTest::keyClick(edit, Qt::Key_Delete);
-    QTest::keyClicks(edit, pattern);
-    QTest::keyClick(edit, Qt::Key_Return);
-}
-
-void WindowLife::select(const char* comboBox, int index)
-{
-    find<QComboBox>(comboBox)->setCurrentIndex(index);
-}
-
-void WindowLife::check(const char* checkBox, bool on)
-{
-    find<QCheckBox>(checkBox)->setChecked(on);
-}
-
-QTableView* WindowLife::table()
-{
-    return find<QTableView>("packages");
-}
-
-QAbstractItemModel* WindowLife::model()
-{
-    return qobject_cast<QSortFilterProxyModel*>(table()->model())->sourceModel();
-}
-
-QStringList WindowLife::listed()
-{
-    QStringList names;
-    const QAbstractItemModel* rows = table()->model();
-    for (int row = 0; row < rows->rowCount(); ++row)
-        names << rows->index(row, PackageTable::ColumnName).data().toString();
-    names.sort();
-    return names;
-}
-
-Package::Entry* WindowLife::entry(const QString& name)
-{
-    const QAbstractItemModel* rows = model();
-    for (int row = 0; row < rows->rowCount(); ++row) {
-        const QModelIndex index = rows->index(row, PackageTable::ColumnName);
-        if (index.data().toString() == name)
-            return index.data(Qt::UserRole).value<Package::Entry*>();
-    }
-    return nullptr;
-}
-
-bool WindowLife::clickAction(const QString& name)
-{
-    const QAbstractItemModel* rows = table()->model();
-    for (int row = 0; row < rows->rowCount(); ++row) {
-        if (rows->index(row, PackageTable::ColumnName).data().toString() != name)
-            continue;
-        const QRect cell = table()->visualRect(rows->index(row, PackageTable::ColumnAction));
-        QTest::mouseClick(table()->viewport(), Qt::LeftButton, Qt::NoModifier, cell.center());
-        return true;
-    }
-    return false;
-}
-
 QStringList WindowLife::calls()
 {
     // The GUI thread holds the interpreter lock while no work runs.
@@ -206,12 +86,4 @@ QStringList WindowLife::calls()
     PyRef::adopt(PyRun_String("calls.clear()", Py_eval_input, globals, globals));
     return QString::fromUtf8(PyUnicode_AsUTF8(names.get()))
         .split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
-
-int WindowLife::takeBusyCursors()
-{
-    int count = 0;
-    for (; QApplication::overrideCursor(); ++count)
-        QApplication::restoreOverrideCursor();
-    return count;
 }

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "ProcessPerTest.h"
 #include "WindowLife.h"
 
 #include "kit/HFrameLabel.h"
 #include "log/LogWindow.h"
+#include "support/ProcessPerTest.h"
 
 #include <QAction>
 #include <QApplication>
@@ -12,6 +12,7 @@
 #include <QJsonArray>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTextEdit>
@@ -86,6 +87,18 @@ private Q_SLOTS:
             QVERIFY2(life.table()->columnWidth(column) >=
                          static_cast<QAbstractItemView*>(life.table())->sizeHintForColumn(column),
                      qPrintable(rows->headerData(column, Qt::Horizontal).toString()));
+    }
+
+    void theWindowGrowsOntoItsScreen()
+    {
+        WindowLife life;
+        const QRect screen = QApplication::primaryScreen()->availableGeometry();
+        life.window().move(screen.bottomRight() - QPoint(100, 60));
+        QVERIFY(life.start());
+        QVERIFY2(screen.contains(life.window().geometry()),
+                 qPrintable(QStringLiteral("at %1, %2")
+                                .arg(life.window().geometry().right())
+                                .arg(life.window().geometry().bottom())));
     }
 
     void theCleanCommandsTellTheCacheDirectory()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "ProcessPerTest.h"
 #include "WindowLife.h"
+
+#include "support/ProcessPerTest.h"
 
 #include <QAction>
 #include <QApplication>

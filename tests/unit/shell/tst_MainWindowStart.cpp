@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "ProcessPerTest.h"
 #include "WindowLife.h"
 
 #include "log/LogWindow.h"
+#include "support/ProcessPerTest.h"
 
 #include <QAction>
 #include <QApplication>

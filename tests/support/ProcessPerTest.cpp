@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "ProcessPerTest.h"
+#include "support/ProcessPerTest.h"
 
 #include <QCoreApplication>
 #include <QMetaMethod>
