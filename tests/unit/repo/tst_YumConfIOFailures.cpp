@@ -4,6 +4,7 @@
 #include "unit/repo/ConfigTree.h"
 
 #include <QFile>
+#include <QMessageBox>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWidget>
@@ -220,7 +221,14 @@ void TestYumConfIOFailures::linesLeftOverComeFirstInTheNextRead()
 void TestYumConfIOFailures::quotesALineAsItIs()
 {
     tree->write(QStringLiteral("/etc/yum.repos.d/x.repo"), "[<b>%1 %2</b>\n");
-    expectFailure(QStringLiteral("Malformed section name in line: [<b>%1 %2</b>") + suffix(0));
+    Qt::TextFormat format = Qt::AutoText;
+    driver->expect(QStringLiteral("VOK Repository Editor Error"))
+        .text(QStringLiteral("Malformed section name in line: [<b>%1 %2</b>") + suffix(0))
+        .act([&format](QWidget* box) { format = qobject_cast<QMessageBox*>(box)->textFormat(); })
+        .press(QStringLiteral("OK"));
+    QVERIFY(!io->read(window.get()));
+    driver->verify();
+    QCOMPARE(format, Qt::PlainText);
 }
 
 QTEST_MAIN(TestYumConfIOFailures)
