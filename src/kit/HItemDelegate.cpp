@@ -1,6 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/HItemDelegate.h"
 
+#include <limits>
+
+namespace
+{
+
+/// What size hints take for an unbounded line: the most that text layout counts to.
+constexpr int unbounded = std::numeric_limits<int>::max() / 256;
+
+} // namespace
+
 HItemDelegate::HItemDelegate(QObject* parent)
     : QItemDelegate(parent)
 {
@@ -12,4 +22,11 @@ void HItemDelegate::drawDisplay(QPainter* painter, const QStyleOptionViewItem& o
     QStyleOptionViewItem unwrapped(option);
     unwrapped.features &= ~QStyleOptionViewItem::WrapText;
     QItemDelegate::drawDisplay(painter, unwrapped, rect, text);
+}
+
+int HItemDelegate::textWidth(const QFont& font, const QString& text) const
+{
+    const QRect line(0, 0, unbounded, 0);
+    return textRectangle(nullptr, line, font, text).width() -
+           textRectangle(nullptr, line, font, QString()).width();
 }

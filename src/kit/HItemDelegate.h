@@ -13,4 +13,7 @@ public:
 
     void drawDisplay(QPainter* painter, const QStyleOptionViewItem& option, const QRect& rect,
                      const QString& text) const override;
+
+    /// The width of `text` in pixels as the size hints count it, margins left out.
+    int textWidth(const QFont& font, const QString& text) const;
 };

@@ -19,6 +19,12 @@ public:
 
     bool lessThan(const QModelIndex& left, const QModelIndex& right) const override;
 
+    /// Final: callers may go to the source model's data directly.
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const final
+    {
+        return QSortFilterProxyModel::data(index, role);
+    }
+
     /// Each of these filters anew, resets the source model and sorts by the column and order in
     /// force.
     void filterChanged();

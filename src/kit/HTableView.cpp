@@ -1,12 +1,16 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/HTableView.h"
 
+#include "kit/ColumnWidth.h"
 #include "kit/HItemDelegate.h"
+#include "kit/HSortFilterProxyModel.h"
 #include "kit/ScreenLimit.h"
 
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QScrollBar>
+
+#include <typeinfo>
 
 HTableView::HTableView(QStyleOptionViewItem::Position decorationPosition, int minimumRows,
                        int maximumRows, QWidget* parent)
@@ -17,6 +21,8 @@ HTableView::HTableView(QStyleOptionViewItem::Position decorationPosition, int mi
 {
     setItemDelegate(new HItemDelegate(parent));
 }
+
+HTableView::~HTableView() = default;
 
 QStyleOptionViewItem HTableView::viewOptions() const
 {
@@ -51,13 +57,44 @@ int HTableView::sizeHintForColumn(int column) const
 {
     if (!model())
         return -1;
-    const QStyleOptionViewItem option = viewOptions();
+    const int width = widestHint(column, viewOptions());
+    return showGrid() ? width + 1 : width;
+}
+
+int HTableView::widestHint(int column, const QStyleOptionViewItem& option) const
+{
+    // Another delegate, be it derived from ours, may have hints of another kind, and must be asked
+    // for each cell. So must ours where it wraps texts.
+    const QAbstractItemDelegate* columnDelegate = itemDelegateForColumn(column);
+    const QAbstractItemDelegate* delegate = columnDelegate ? columnDelegate : itemDelegate();
+    const bool wraps =
+        option.features.testFlag(QStyleOptionViewItem::WrapText) &&
+        (option.rect.isValid() || (option.decorationPosition != QStyleOptionViewItem::Left &&
+                                   option.decorationPosition != QStyleOptionViewItem::Right));
+    std::unique_ptr<ColumnWidth> own;
+    ColumnWidth* cells = nullptr;
+    if (!wraps && typeid(*delegate) == typeid(HItemDelegate)) {
+        if (delegate == itemDelegate())
+            cells = m_columnWidth.get();
+        if (!cells) {
+            own =
+                std::make_unique<ColumnWidth>(static_cast<const HItemDelegate*>(delegate), option);
+            cells = own.get();
+        }
+    }
+
+    const auto* proxy = qobject_cast<const HSortFilterProxyModel*>(model());
     int width = 0;
     for (int row = 0, rows = model()->rowCount(rootIndex()); row < rows; ++row) {
         const QModelIndex index = model()->index(row, column, rootIndex());
-        width = qMax(width, itemDelegate(index)->sizeHint(option, index).width());
+        const QAbstractItemDelegate* rowDelegate = itemDelegateForRow(row);
+        if (cells && !rowDelegate)
+            cells->add(proxy ? proxy->mapToSource(index) : index);
+        else
+            width = qMax(width,
+                         (rowDelegate ? rowDelegate : delegate)->sizeHint(option, index).width());
     }
-    return showGrid() ? width + 1 : width;
+    return cells ? qMax(width, cells->take()) : width;
 }
 
 void HTableView::sortByColumn(int column)
@@ -77,7 +114,12 @@ void HTableView::sortByColumn(int column, Qt::SortOrder order)
 
 void HTableView::resizeColumnsToContents()
 {
+    if (typeid(*itemDelegate()) == typeid(HItemDelegate)) {
+        m_columnWidth = std::make_unique<ColumnWidth>(
+            static_cast<const HItemDelegate*>(itemDelegate()), viewOptions());
+    }
     QTableView::resizeColumnsToContents();
+    m_columnWidth.reset();
     for (QWidget* widget = this; widget; widget = widget->parentWidget())
         widget->updateGeometry();
 

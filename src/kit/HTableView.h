@@ -3,6 +3,10 @@
 
 #include <QTableView>
 
+#include <memory>
+
+class ColumnWidth;
+
 /// A table that sizes its columns and its window from its contents.
 class HTableView : public QTableView
 {
@@ -13,6 +17,7 @@ public:
     /// least `minimumRows` and at most `maximumRows`.
     HTableView(QStyleOptionViewItem::Position decorationPosition, int minimumRows, int maximumRows,
                QWidget* parent);
+    ~HTableView() override;
 
     QStyleOptionViewItem viewOptions() const override;
     QSize sizeHint() const override;
@@ -35,7 +40,10 @@ public:
     int frameOnlyAroundContentsPixels() const;
 
 private:
+    int widestHint(int column, const QStyleOptionViewItem& option) const;
+
     const QStyleOptionViewItem::Position m_decorationPosition;
     mutable int m_minimumRows;
     mutable int m_maximumRows;
+    std::unique_ptr<ColumnWidth> m_columnWidth; ///< shared by the columns of one resize
 };
