@@ -183,6 +183,18 @@ void Python::PyThreadStateWrapper::restore()
     state = nullptr;
 }
 
+Python::UnlockedWait::UnlockedWait()
+{
+    if (Py_IsInitialized() && PyGILState_Check())
+        state = PyEval_SaveThread();
+}
+
+Python::UnlockedWait::~UnlockedWait()
+{
+    if (state)
+        PyEval_RestoreThread(state);
+}
+
 Python::~Python()
 {
     if (!initialized)

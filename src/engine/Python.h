@@ -54,6 +54,20 @@ public:
         PyThreadState* state = nullptr;
     };
 
+    /// Gives the interpreter lock away for a scope in which the calling thread waits for another,
+    /// if it holds the lock at all.
+    class UnlockedWait
+    {
+    public:
+        UnlockedWait();
+        ~UnlockedWait();
+        UnlockedWait(const UnlockedWait&) = delete;
+        UnlockedWait& operator=(const UnlockedWait&) = delete;
+
+    private:
+        PyThreadState* state = nullptr;
+    };
+
     /// Ends the interpreter if it was started.
     virtual ~Python();
 

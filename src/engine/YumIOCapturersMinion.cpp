@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIOCapturersMinion.h"
 
+#include "engine/Python.h"
 #include "engine/YumIO.h"
 
 #include <QSocketNotifier>
@@ -50,6 +51,8 @@ void YumIOCapturersMinion::deactivate()
         finalize();
         return;
     }
+    // The GUI thread may be waiting for the interpreter before it gets to the pipes.
+    const Python::UnlockedWait unlocked;
     finished.acquire();
     QMetaObject::invokeMethod(this, "finalize", Qt::QueuedConnection);
     finished.acquire();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIODialogs.h"
 
+#include "engine/Python.h"
 #include "engine/YumIODialogsMinion.h"
 
 #include <QCoreApplication>
@@ -75,8 +76,11 @@ void YumIODialogs::setResult(int value)
 
 void YumIODialogs::waitForResult()
 {
-    if (!resultReady)
-        waitLoop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (resultReady)
+        return;
+    // The GUI thread may be waiting for the interpreter before it gets to the dialog.
+    const Python::UnlockedWait unlocked;
+    waitLoop.exec(QEventLoop::ExcludeUserInputEvents);
 }
 
 YumIODialogsUser::YumIODialogsUser(YumIODialogs*& slot, QWidget* parent)

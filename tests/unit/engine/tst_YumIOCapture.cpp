@@ -76,6 +76,7 @@ private Q_SLOTS:
     void programsInheritNothingElse();
     void backgroundProcessDoesNotDelayTheEnd();
     void afterACapturePrintGoesToTheLog();
+    void endOfACaptureLeavesTheInterpreterToTheGui();
     void capturesNest();
     void failureToOpenAPipeIsReported();
     void captureOnTheGuiThread();
@@ -317,6 +318,27 @@ void TestYumIOCapture::afterACapturePrintGoesToTheLog()
     capture([] {});
     engine.py("print('from the script')");
     QCOMPARE(engine.takeLog(), QStringList(QStringLiteral("1 0 from the script")));
+}
+
+void TestYumIOCapture::endOfACaptureLeavesTheInterpreterToTheGui()
+{
+    Python::PyThreadStateWrapper away;
+    long product = 0;
+    WorkRunner worker([&] {
+        Python::PyGILStateWrapper lock(true);
+        YumIOCapturersUser user(engine.capturers, &engine);
+        // Comes before the end of the capture in the GUI thread's queue, and needs what is held
+        // here.
+        QMetaObject::invokeMethod(
+            &engine,
+            [&] {
+                Python::PyGILStateWrapper guiLock(true);
+                product = PyLong_AsLong(engine.pyr("6 * 7").get());
+            },
+            Qt::QueuedConnection);
+    });
+    worker.runToEnd();
+    QCOMPARE(product, 42L);
 }
 
 void TestYumIOCapture::capturesNest()

@@ -58,6 +58,7 @@ private Q_SLOTS:
     void warningShowsOneButton();
     void angleBracketsAreShownAsTheyAre();
     void errorFromAnyThreadIsShown();
+    void openDialogLeavesTheInterpreterToTheGui();
     void expectingMarksTheLog();
     void understandsWhatTheScriptRaises_data();
     void understandsWhatTheScriptRaises();
@@ -243,6 +244,30 @@ void TestYumIOReport::errorFromAnyThreadIsShown()
     QVERIFY(driver.waitUntilDone());
     QCOMPARE(driver.driven(), 3);
     QCOMPARE(engine.takeLog().size(), 3);
+}
+
+void TestYumIOReport::openDialogLeavesTheInterpreterToTheGui()
+{
+    DialogDriver driver;
+    long product = 0;
+    driver.expect(QStringLiteral("VOK Yum Error"))
+        .act([&](QWidget*) {
+            Python::PyGILStateWrapper lock(true);
+            product = PyLong_AsLong(engine.pyr("6 * 7").get());
+        })
+        .press(QStringLiteral("OK"));
+    Python::PyThreadStateWrapper away;
+    bool lockedAgain = false;
+    WorkRunner worker([&] {
+        Python::PyGILStateWrapper lock(true);
+        YumIODialogsUser user(engine.dialogs, &parent);
+        engine.error(QStringLiteral("of the worker"));
+        lockedAgain = PyGILState_Check();
+    });
+    worker.runToEnd();
+    QCOMPARE(product, 42L);
+    QVERIFY(lockedAgain);
+    away.restore();
 }
 
 void TestYumIOReport::expectingMarksTheLog()
