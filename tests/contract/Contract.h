@@ -29,6 +29,7 @@ public:
     using YumIO::collectGroup;
     using YumIO::collectPkg;
     using YumIO::collectStart;
+    using YumIO::CollectState;
     using YumIO::collectState;
     using YumIO::collectUpdate;
     using YumIO::entries;
