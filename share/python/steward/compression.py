@@ -3,12 +3,19 @@
 
 import bz2
 import lzma
+import os
+import tempfile
 import zlib
+
+import libdnf.error
+import libdnf.utils
 
 from yum.Errors import YumBaseError
 
 _BLOCK = 1 << 18
 _LIMIT = 1 << 20
+# What Python's own modules can't read, with the suffix by which the library tells it.
+_LIBRARY = ((b'\x28\xb5\x2f\xfd', '.zst'), (b'\0ZCK1', '.zck'))
 
 
 class _Zlib:
@@ -67,70 +74,62 @@ class _Plain:
         yield block
 
 
-def _zstd():
-    """The decompressor of Python 3.14's own module, else of the one that systems package."""
-    try:
-        from compression import zstd  # pylint: disable=import-outside-toplevel
-        return _Streams(zstd.ZstdDecompressor)
-    except ImportError:
-        pass
-    try:
-        import zstandard  # pylint: disable=import-outside-toplevel
-    except ImportError:
-        return None
-
-    class Zstandard:
-        complete = True
-
-        def __init__(self):
-            self._inner = zstandard.ZstdDecompressor().decompressobj(read_across_frames=True) \
-                if 'read_across_frames' in (zstandard.ZstdDecompressor.decompressobj.__doc__ or '')\
-                else zstandard.ZstdDecompressor().decompressobj()
-
-        def feed(self, block):
-            data = self._inner.decompress(block)
-            if data:
-                yield data
-
-    return Zstandard()
-
-
-def _opener(head, name):
+def _reader(head):
     if head.startswith(b'\x1f\x8b'):
         return _Zlib()
     if head.startswith(b'\xfd7zXZ\0'):
         return _Streams(lzma.LZMADecompressor)
     if head.startswith(b'BZh'):
         return _Streams(bz2.BZ2Decompressor)
-    if head.startswith(b'\x28\xb5\x2f\xfd'):
-        made = _zstd()
-        if made is None:
-            raise YumBaseError('%s is compressed with zstd, which needs the Python module zstandard'
-                               % name)
-        return made
-    if head.startswith(b'\0ZCK1'):
-        raise YumBaseError('%s is compressed with zchunk, which cannot be read here' % name)
     return _Plain()
+
+
+def _unpacked(path, head, stream):
+    """An open stream of what to read: `stream`, or where only the library knows the compression, a
+    file without a name that it has unpacked to."""
+    for magic, suffix in _LIBRARY:
+        if head.startswith(magic):
+            break
+    else:
+        return stream
+    target = tempfile.TemporaryFile(dir=os.path.dirname(path))
+    try:
+        libdnf.utils.decompress(path, '/proc/self/fd/%d' % target.fileno(), 0o600, suffix)
+    except (libdnf.error.Error, RuntimeError, OSError) as exc:
+        target.close()
+        problem = YumBaseError('%s cannot be decompressed: %s' % (path, exc))
+    else:
+        return target
+    raise problem
 
 
 def pieces(path, report=None):
     """Yields the decompressed content of `path` in pieces; `report(bytes of the file read)`."""
-    done = 0
-    try:
-        with open(path, 'rb') as stream:
-            block = stream.read(_BLOCK)
-            reader = _opener(block, path)
-            while block:
-                for data in reader.feed(block):
+    with open(path, 'rb') as stream:
+        source = _unpacked(path, stream.read(8), stream)
+        with source:
+            source.seek(0)
+            scale = os.path.getsize(path) / max(1, os.fstat(source.fileno()).st_size)
+            try:
+                for data, done in _decompressed(source):
                     yield data
-                done += len(block)
-                if report is not None:
-                    report(done)
-                block = stream.read(_BLOCK)
-            if not reader.complete:
-                raise EOFError('it is cut short')
-    except (zlib.error, lzma.LZMAError, EOFError) as exc:
-        problem = YumBaseError('%s cannot be decompressed: %s' % (path, exc))
-    else:
-        return
+                    if report is not None:
+                        report(int(done * scale))
+                return
+            except (zlib.error, lzma.LZMAError, EOFError) as exc:
+                problem = YumBaseError('%s cannot be decompressed: %s' % (path, exc))
     raise problem
+
+
+def _decompressed(stream):
+    """(piece, bytes read so far) of what an open file holds."""
+    block = stream.read(_BLOCK)
+    reader = _reader(block)
+    done = 0
+    while block:
+        done += len(block)
+        for data in reader.feed(block):
+            yield data, done
+        block = stream.read(_BLOCK)
+    if not reader.complete:
+        raise EOFError('it is cut short')

@@ -3,15 +3,39 @@
 
 Thus mirrors, failover, credentials, proxies, certificates, speed limits and timeouts are those of
 the repository's configuration, and a file whose checksum fails is tried on the next mirror.
+
+The list of mirrors is fetched here and not by the downloader, which would try a silent server a
+dozen times without a word to the program.
 """
 
 import os
+import re
 
+import dnf.conf
+import dnf.exceptions
+import dnf.repo
+import libdnf.conf
 import libdnf.error
 import libdnf.repo
 
-from steward.errors import text_of
-from yum.Errors import RepoError
+from steward import repomd
+from steward.errors import is_exhausted, text_of
+from yum.Errors import NoMoreMirrorsRepoError, RepoError
+
+# What decides how a repository's servers are talked to.
+_OPTIONS = (
+    'username', 'password', 'proxy', 'proxy_username', 'proxy_password', 'proxy_auth_method',
+    'sslcacert', 'sslverify', 'sslclientcert', 'sslclientkey', 'sslverifystatus',
+    'proxy_sslcacert', 'proxy_sslverify', 'proxy_sslclientcert', 'proxy_sslclientkey',
+    'timeout', 'minrate', 'throttle', 'bandwidth', 'ip_resolve', 'user_agent',
+    'max_parallel_downloads', 'max_downloads_per_mirror', 'name',
+)
+_ABORTED = re.compile(r'Downloading was aborted by LR_CB_ERROR from mirror failure callback\. '
+                      r'Original error was: ')
+_TIMEOUT = 'Curl error (28)'
+# So many silent mirrors of a list are enough.
+_SILENT_MIRRORS = 4
+_STOP = 2
 
 
 class File:
@@ -31,10 +55,12 @@ class File:
 class _Watch(libdnf.repo.PackageTargetCB):
     """Callbacks of one download. Nothing may be raised through the library."""
 
-    def __init__(self, report, failures):
+    def __init__(self, report, patience, failures):
         super().__init__()
         self._report = report
+        self._patience = patience
         self._failures = failures
+        self._silent = 0
         self.done = 0
         self.problem = None
 
@@ -52,69 +78,130 @@ class _Watch(libdnf.repo.PackageTargetCB):
         return 0
 
     def mirrorFailure(self, msg, url):
-        self._failures.append(msg)
-        return 0
+        if msg not in self._failures:
+            self._failures.append(msg)
+        if _TIMEOUT not in msg:
+            return 0
+        # Waiting for one server several times would multiply the configured timeout.
+        self._silent += 1
+        return _STOP if self._silent >= self._patience else 0
 
 
-def fetch(repo, files, meter):
-    """Downloads `files` of `repo` side by side; `meter` gets the sum of their bytes.
+class Source:
+    """Where the files of one repository come from. Made for one round of downloads."""
 
-    Raises RepoError with the repository, the file and what each mirror said. Whatever is at the
-    files' paths then is not to be used.
-    """
-    failures = []
-    watches = []
+    def __init__(self, repo, conf):
+        self._repo = repo
+        self._conf = conf
+        self._servers = None
+        # What a metalink says of repomd.xml, as `repomd.metalink_hashes` gives it.
+        self.hashes = []
 
-    def report():
-        if meter is not None:
-            meter.update(sum(watch.done for watch in watches))
+    def list_url(self):
+        """The URL of the repository's metalink or mirror list; None if it has neither."""
+        return self._repo.metalink or self._repo.mirrorlist or None
 
-    targets = []
-    for item in files:
-        watch = _Watch(report, failures)
-        watches.append(watch)
-        kind = libdnf.repo.PackageTarget.checksumType(item.checksum_type or '')
-        targets.append(libdnf.repo.PackageTarget(
-            repo._repo, item.href, item.path, kind, item.checksum, item.size, item.base, False,
-            0, 0, watch))
-    fatal = None
-    try:
-        libdnf.repo.PackageTarget.downloadPackages(
-            libdnf.repo.VectorPPackageTarget(targets), True)
-    except (libdnf.error.Error, RuntimeError) as exc:
-        fatal = text_of(exc)
-    for watch in watches:
-        if watch.problem is not None:
-            raise watch.problem
-    for item, target in zip(files, targets):
-        error = target.getErr()
-        if error is not None and error != 'Already downloaded' \
-                and not error.startswith('Not finished'):
-            raise RepoError(_failure(repo, os.path.basename(item.href), error, failures))
-    if fatal is not None:
-        raise RepoError(_failure(repo, None, fatal, failures))
+    def find_mirrors(self, meter, scratch):
+        """Fetches the list of mirrors, if there is one, into the directory `scratch`."""
+        url = self.list_url()
+        mirrors = list(self._repo.baseurl)
+        if url:
+            path = os.path.join(scratch, 'mirrors')
+            try:
+                self._run(self._peer([os.path.dirname(url)]), [File(url, path)], meter, 1)
+                mirrors += self._read_mirrors(path)
+            except RepoError as exc:
+                # Servers named in the configuration itself do without the list.
+                if not mirrors:
+                    problem = type(exc)(text_of(exc))
+                else:
+                    problem = None
+            else:
+                problem = None
+            if problem is not None:
+                raise problem
+        self._servers = self._peer(mirrors)
 
+    def _read_mirrors(self, path):
+        with open(path, 'rb') as stream:
+            text = stream.read().decode('utf-8', 'replace')
+        if text.lstrip().startswith('<'):
+            self.hashes, found = repomd.read_metalink(path)
+        else:
+            found = [line.strip() for line in text.splitlines()]
+        found = [libdnf.conf.ConfigParser.substitute(line, self._conf.substitutions)
+                 for line in found if '://' in line and not line.startswith('#')]
+        if not found:
+            raise RepoError("Failed to download metadata for repository '%s': the list of mirrors "
+                            'at %s names none' % (self._repo.id, self.list_url()))
+        return found
 
-def fetch_url(repo, url, path):
-    """Downloads one absolute URL with the repository's options, without failover."""
-    descriptor = os.open(path, os.O_CREAT | os.O_TRUNC | os.O_RDWR, 0o644)
-    try:
-        repo._repo.downloadUrl(url, descriptor)
-    except (libdnf.error.Error, RuntimeError) as exc:
-        problem = RepoError(_failure(repo, None, text_of(exc), ()))
-    else:
-        return
-    finally:
-        os.close(descriptor)
-    raise problem
+    def _peer(self, urls):
+        """A repository object with these servers, which talks to them as the real one would."""
+        peer = dnf.repo.Repo(self._repo.id, self._conf)
+        for option in _OPTIONS:
+            try:
+                value = self._repo._get_value(option)
+            except RuntimeError:
+                # An option without a value, even a default one.
+                continue
+            peer._set_value(option, value, dnf.conf.PRIO_RUNTIME)
+        peer.baseurl = urls
+        headers = self._repo.get_http_headers()
+        if headers:
+            peer.set_http_headers(headers)
+        return peer
 
+    def fetch(self, files, meter):
+        """Downloads `files` side by side; `meter` gets the sum of their bytes.
 
-def _failure(repo, name, error, failures):
-    head = "Failed to download metadata for repository '%s'" % repo.id
-    lines = ['%s: %s' % (head, error if name is None or name in error
-                         else '%s: %s' % (name, error))]
-    for failure in failures:
-        line = '  - %s' % failure
-        if failure not in error and line not in lines:
-            lines.append(line)
-    return '\n'.join(lines)
+        Raises RepoError with the repository, the file and what each mirror said. Whatever is at
+        the files' paths then is not to be used.
+        """
+        if self._servers is None:
+            # The servers are known from the configuration, or the downloader finds them.
+            self._servers = self._repo
+        listed = self.list_url() is not None
+        patience = _SILENT_MIRRORS if listed else max(1, len(self._servers.baseurl))
+        self._run(self._servers, files, meter, min(patience, _SILENT_MIRRORS))
+
+    def _run(self, servers, files, meter, patience):
+        failures, watches, targets = [], [], []
+
+        def report():
+            if meter is not None:
+                meter.update(sum(watch.done for watch in watches))
+
+        fatal = None
+        try:
+            for item in files:
+                watch = _Watch(report, patience, failures)
+                watches.append(watch)
+                kind = libdnf.repo.PackageTarget.checksumType(item.checksum_type or '')
+                targets.append(libdnf.repo.PackageTarget(
+                    servers._repo, item.href, item.path, kind, item.checksum, item.size, item.base,
+                    False, 0, 0, watch))
+            libdnf.repo.PackageTarget.downloadPackages(
+                libdnf.repo.VectorPPackageTarget(targets), True)
+        except (libdnf.error.Error, RuntimeError) as exc:
+            fatal = text_of(exc)
+        for watch in watches:
+            if watch.problem is not None:
+                raise watch.problem
+        for item, target in zip(files, targets):
+            error = target.getErr()
+            if error is not None and error != 'Already downloaded' \
+                    and not error.startswith('Not finished'):
+                raise self._failure(os.path.basename(item.href), error, failures)
+        if fatal is not None:
+            raise self._failure(None, fatal, failures)
+
+    def _failure(self, name, error, failures):
+        exhausted = is_exhausted(error) or _ABORTED.search(error) is not None
+        error = _ABORTED.sub('', error)
+        head = "Failed to download metadata for repository '%s': " % self._repo.id
+        if name and name not in error:
+            head += name + ': '
+        lines = [head + error]
+        lines += ['  - ' + failure for failure in failures if failure not in error]
+        return (NoMoreMirrorsRepoError if exhausted else RepoError)('\n'.join(lines))

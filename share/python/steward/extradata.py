@@ -7,6 +7,7 @@ which is parsed when a package is looked at.
 """
 
 import html
+import logging
 import os
 import re
 import shutil
@@ -21,12 +22,12 @@ from steward.errors import is_exhausted, text_of
 from steward.spool import Spool
 from yum.Errors import NoMoreMirrorsRepoError, RepoError, YumBaseError
 
+LOGGER = logging.getLogger('dnf')
+
 _END = b'</package>'
 _PACKAGE = re.compile(rb'<package\s[^>]*?\bpkgid="([0-9a-fA-F]{16,})"')
 _FILE = re.compile(rb'<file(?: type="[a-z]*")?>([^<]*)</file>')
 _COMMENT = re.compile(rb'<!--.*?-->', re.DOTALL)
-# Report once for this many packages.
-_STEP = 500
 
 
 class ExtraData:
@@ -34,6 +35,7 @@ class ExtraData:
 
     def __init__(self, system):
         self._repos = [repo for repo in system.base.repos.iter_enabled() if repo.metadata]
+        self._conf = system.conf
         self._cachedir = system.conf.cachedir
         self._meters = system.meters
         self._files = None
@@ -69,7 +71,13 @@ class ExtraData:
             paths = []
             with dnf.lock.build_metadata_lock(self._cachedir, True):
                 for repo in self._repos:
-                    path = self._file(repo, kind, label)
+                    try:
+                        path = self._file(repo, kind, label)
+                    except RepoError as exc:
+                        if not repo.skip_if_unavailable:
+                            raise
+                        LOGGER.warning('%s', text_of(exc))
+                        continue
                     if path is not None:
                         paths.append((repo, path))
             return self._read(paths, convert)
@@ -93,9 +101,10 @@ class ExtraData:
         try:
             fetched = os.path.join(staging, os.path.basename(record.href))
             meter = self._meters.download(repo.id, label, record.size)
-            downloads.fetch(repo, [downloads.File(record.href, fetched, record.checksum_type,
-                                                  record.checksum, record.size, record.base)],
-                            meter)
+            source = downloads.Source(repo, self._conf)
+            source.find_mirrors(None, staging)
+            source.fetch([downloads.File(record.href, fetched, record.checksum_type,
+                                         record.checksum, record.size, record.base)], meter)
             meter.end(os.path.getsize(fetched))
             os.makedirs(os.path.dirname(path), exist_ok=True)
             os.rename(fetched, path)
@@ -181,5 +190,7 @@ def _parse_changes(markup):
             date = item.get('date', '')
             found.append((int(date) if date.isdigit() else 0, item.get('author', ''),
                           item.text or ''))
+    # Makers write them oldest first; those of one day stay in their order.
+    found.reverse()
     found.sort(key=lambda change: -change[0])
     return found

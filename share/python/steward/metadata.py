@@ -25,11 +25,12 @@ class Refresh:
     `check` asks the server only when the cache is missing, incomplete, expired or `ask` is true.
     """
 
-    def __init__(self, repo, meters, ask=False, file_lists=False, cache_only=False):
+    def __init__(self, repo, conf, meters, ask=False, file_lists=False):
         self._repo = repo
+        self._source = downloads.Source(repo, conf)
         self._meters = meters
         self._ask = ask
-        self._cache_only = cache_only
+        self._cache_only = conf.cacheonly
         self._directory = repo._repo.getCachedir()
         self._staging = None
         self._records = None
@@ -126,47 +127,32 @@ class Refresh:
             if name.startswith(_STAGING):
                 shutil.rmtree(self._cached(name), ignore_errors=True)
 
-    def _metalink(self):
-        """The repository's metalink URL, if it has one. A mirror list whose URL says so is one."""
-        if self._repo.metalink:
-            return self._repo.metalink
-        mirrors = self._repo.mirrorlist
-        return mirrors if mirrors and 'metalink' in mirrors else None
-
     def _fetch_repomd(self):
-        hashes = []
-        url = self._metalink()
-        if url:
+        if self._source.list_url():
             meter = self._meters.download(self._repo.id, 'metalink')
-            path = os.path.join(self._staging, 'metalink.xml')
-            downloads.fetch_url(self._repo, url, path)
-            meter.end(os.path.getsize(path))
-            hashes = repomd.metalink_hashes(path)
-        elif self._repo.mirrorlist:
-            # The downloader fetches it on its own, at the repository's first file.
-            self._meters.download(self._repo.id, 'metalink').end()
+            self._source.find_mirrors(meter, self._staging)
+            meter.end()
         target = self._staged('repodata/repomd.xml')
         meter = self._meters.download(self._repo.id, 'repomd.xml')
+        hashes = self._source.hashes
         if hashes and hashes[0]:
             self._fetch_verified_repomd(target, hashes, meter)
         else:
-            downloads.fetch(self._repo, [downloads.File('repodata/repomd.xml', target)], meter)
+            self._source.fetch([downloads.File('repodata/repomd.xml', target)], meter)
         if self._repo.repo_gpgcheck:
-            downloads.fetch(self._repo, [downloads.File('repodata/repomd.xml.asc',
-                                                        target + '.asc')], None)
+            self._source.fetch([downloads.File('repodata/repomd.xml.asc', target + '.asc')], None)
         meter.end(os.path.getsize(target))
 
     def _fetch_verified_repomd(self, target, hashes, meter):
         name, value = repomd.strongest(hashes[0])
         try:
-            downloads.fetch(self._repo, [downloads.File('repodata/repomd.xml', target, name,
-                                                        value)], meter)
+            self._source.fetch([downloads.File('repodata/repomd.xml', target, name, value)], meter)
             return
         except RepoError as exc:
-            problem = RepoError(text_of(exc))
+            problem = type(exc)(text_of(exc))
         # No mirror has the newest one. An older one is good if the metalink still vouches for it.
         if len(hashes) > 1:
-            downloads.fetch(self._repo, [downloads.File('repodata/repomd.xml', target)], meter)
+            self._source.fetch([downloads.File('repodata/repomd.xml', target)], meter)
             if any(repomd.file_matches(target, *repomd.strongest(older)) for older in hashes[1:]):
                 return
         raise problem
@@ -181,7 +167,7 @@ class Refresh:
         if wanted:
             meter = self._meters.download(self._repo.id, kind,
                                           sum(item.size for item in wanted))
-            downloads.fetch(self._repo, wanted, meter)
+            self._source.fetch(wanted, meter)
             meter.end(sum(os.path.getsize(item.path) for item in wanted))
 
     def _reuse(self, record, target):

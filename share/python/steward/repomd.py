@@ -6,6 +6,7 @@ import xml.etree.ElementTree as ElementTree
 
 from yum.Errors import RepoError
 
+_REPOMD = 'repodata/repomd.xml'
 # Strongest first.
 DIGESTS = ('sha512', 'sha384', 'sha256', 'sha224', 'sha1', 'md5')
 
@@ -68,9 +69,12 @@ def _record(data):
     return Record(data.get('type'), href, base, checksum_type, checksum, size)
 
 
-def metalink_hashes(path):
-    """What a metalink says of repomd.xml: a list of {digest name: hex}, the current one first,
-    then those of older files that are still good. An entry may be empty."""
+def read_metalink(path):
+    """(hashes, mirrors) of a metalink to repomd.xml, the mirrors by falling preference.
+
+    `hashes` is a list of {digest name: hex}: that of the current repomd.xml first, then those of
+    older ones that are still good. An entry may be empty.
+    """
     try:
         root = ElementTree.parse(path).getroot()
     except ElementTree.ParseError as exc:
@@ -78,9 +82,22 @@ def metalink_hashes(path):
     else:
         for item in root.iter():
             if _local(item.tag) == 'file' and item.get('name') == 'repomd.xml':
-                return _verifications(item)
+                return _verifications(item), _mirrors(item)
         problem = RepoError('metalink: no repomd.xml in it')
     raise problem
+
+
+def _mirrors(item):
+    found = []
+    for url in item.iter():
+        text = (url.text or '').strip()
+        if _local(url.tag) == 'url' and text.endswith(_REPOMD) \
+                and text.partition('://')[0] in ('http', 'https', 'ftp', 'file'):
+            preference = url.get('preference', '')
+            found.append((int(preference) if preference.isdigit() else 0,
+                          text[:-len(_REPOMD)]))
+    found.sort(key=lambda pair: -pair[0])
+    return [text for _, text in found]
 
 
 def _verifications(item):

@@ -260,8 +260,8 @@ class System:
         with dnf.lock.build_metadata_lock(self.conf.cachedir, True):
             try:
                 for repo in list(base.repos.iter_enabled()):
-                    step = metadata.Refresh(repo, self.meters, ask, base.file_lists,
-                                            self.conf.cacheonly)
+                    step = metadata.Refresh(repo, self.conf, self.meters, ask,
+                                            base.file_lists)
                     work.append((repo, step))
                     if not self._attempt(repo, step.check):
                         work.pop()

@@ -8,6 +8,8 @@ import hashlib
 import lzma
 import os
 import re
+import shutil
+import subprocess
 import unittest
 
 import rpm
@@ -297,6 +299,36 @@ class Extra(SystemTest):
                 stream.write(data[:-9])
             with self.assertRaises(self.names['yum'].Errors.YumBaseError):
                 list(compression.pieces(path))
+
+    @unittest.skipUnless(shutil.which('zstd'), 'zstd is not installed')
+    def test_zstdIsReadThroughTheLibrary(self):
+        from steward import compression
+        path = os.path.join(self.top, 'filelists.xml.zst')
+        subprocess.run(['zstd', '-q', '-o', path], input=b'x' * 99999, check=True)
+        reported = []
+        self.assertEqual(b''.join(compression.pieces(path, reported.append)), b'x' * 99999)
+        self.assertEqual(reported[-1], os.path.getsize(path))
+        self.assertEqual(os.listdir(self.top).count('filelists.xml.zst'), 1)
+        with open(path, 'wb') as stream:
+            stream.write(b'\0ZCK1 and nothing more')
+        with self.assertRaises(self.names['yum'].Errors.YumBaseError):
+            list(compression.pieces(path))
+
+    def test_aRepositoryThatMayBeMissingIsLeftOut(self):
+        self.repository('gone', [Rpm('beta')], text='skip_if_unavailable=1\n')
+        self.server.behave('/gone/repodata/filelists.xml.gz', 404)
+        made = self.collect()
+        made.collectFileLists()
+        self.assertEqual(self.one(made).returnFileText(), self.FILES)
+        self.assertIn("'gone'", ''.join(yumIOC.lines('errorlog')))
+
+    def test_changesOfOneDayKeepTheMakersOrder(self):
+        from steward import extradata
+        markup = (b'<package pkgid="0123456789abcdef"><changelog author="a" date="5">old</changelog>'
+                  b'<changelog author="b" date="9">first</changelog>'
+                  b'<changelog author="c" date="9">second</changelog>')
+        self.assertEqual([text for _, _, text in extradata._parse_changes(markup)],
+                         ['second', 'first', 'old'])
 
     def test_noTemporaryFileHasAName(self):
         made = self.collect()

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#pragma once
+
+#include <QProcess>
+#include <QString>
+#include <QTemporaryDir>
+
+/// The demo's sandbox system for tests that run one process each: the first process makes it and
+/// serves its repositories, the others find it in their environment.
+class SandboxServer
+{
+public:
+    /// Makes and serves the system, unless a parent process does. False after a message.
+    bool start();
+    ~SandboxServer();
+
+private:
+    QProcess server;
+    QTemporaryDir scratch;
+};
+
+/// One test's own copy of the sandbox's root, which VOKROOT names while this exists. Temporary
+/// files of the process go to a folder of its own, too.
+class SandboxRoot
+{
+public:
+    SandboxRoot();
+
+    QString path(const QString& path) const { return directory.filePath("root/" + path); }
+    /// The repository, which all tests share.
+    static QString repository(const QString& id);
+    /// What lies in the folder for temporary files.
+    QStringList leftovers() const;
+    /// Whether a process holds the lock on the packages.
+    bool locked() const;
+
+    /// Status of a program that runs to its end; its output is shown where it fails.
+    static int run(const QString& program, const QStringList& arguments);
+
+private:
+    QTemporaryDir directory;
+};
