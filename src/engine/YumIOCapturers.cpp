@@ -17,12 +17,6 @@
 namespace
 {
 
-void closeIfOpen(int& fd)
-{
-    if (fd >= 0)
-        close(std::exchange(fd, -1));
-}
-
 bool redirect(int from, int to)
 {
     while (dup2(from, to) < 0) {
@@ -51,13 +45,16 @@ YumIOCapturers::YumIOCapturers(YumIO* engine)
     savedStderr = fcntl(STDERR_FILENO, F_DUPFD_CLOEXEC, 3);
     if (savedStdout < 0 || savedStderr < 0 || pipe2(stdoutPipe, O_CLOEXEC) != 0 ||
         pipe2(stderrPipe, O_CLOEXEC) != 0) {
+        // The message needs descriptors too.
+        closeAll();
         engine->error(tr("Unable to open pipe to capture rpm transaction output"));
         return;
     }
     stdoutRedirected = redirect(stdoutPipe[1], STDOUT_FILENO);
     stderrRedirected = stdoutRedirected && redirect(stderrPipe[1], STDERR_FILENO);
     if (!stderrRedirected) {
-        restore();
+        if (restore())
+            closeAll();
         engine->error(tr("Unable to dup2 pipe to capture rpm transaction output"));
         return;
     }
@@ -73,18 +70,12 @@ YumIOCapturers::YumIOCapturers(YumIO* engine)
 YumIOCapturers::~YumIOCapturers()
 {
     flushStreams();
-    const bool restored = restore();
-    closeIfOpen(savedStdout);
-    closeIfOpen(savedStderr);
-    if (!restored) {
+    if (!restore()) {
         // The pipes are all that 1 and 2 lead to now: they stay, and so does their reader.
         engine->error(tr("Unable to dup2 to restore stderr"));
         return;
     }
-    closeIfOpen(stdoutPipe[1]);
-    closeIfOpen(stderrPipe[1]);
-    closeIfOpen(stdoutPipe[0]);
-    closeIfOpen(stderrPipe[0]);
+    closeAll();
     if (!minion)
         return;
     minion->deactivate();
@@ -99,6 +90,15 @@ bool YumIOCapturers::restore()
     if (stderrRedirected)
         stderrRedirected = !redirect(savedStderr, STDERR_FILENO);
     return !stdoutRedirected && !stderrRedirected;
+}
+
+void YumIOCapturers::closeAll()
+{
+    for (int* fd : {&savedStdout, &savedStderr, &stdoutPipe[0], &stdoutPipe[1], &stderrPipe[0],
+                    &stderrPipe[1]}) {
+        if (*fd >= 0)
+            close(std::exchange(*fd, -1));
+    }
 }
 
 YumIOCapturersUser::YumIOCapturersUser(YumIOCapturers*& slot, YumIO* engine)

@@ -20,6 +20,7 @@ public:
 private:
     /// Points 1 and 2 where they pointed before; false where one can't be.
     bool restore();
+    void closeAll();
 
     YumIOCapturersMinion* minion = nullptr; ///< null where the capture couldn't be set up
     YumIO* engine;
