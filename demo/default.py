@@ -2,6 +2,7 @@
 """The recipe of the demo: a small system that has one of everything."""
 
 import shutil
+import zlib
 from typing import Tuple
 
 from demo.recipe import DAY, EPOCH, Change, File, Group, Package, Recipe, Repository
@@ -30,7 +31,8 @@ def package(name: str, version: str = "1.0", release: str = "1", **more) -> Pack
     more.setdefault("url", "https://example.org/" + name)
     more.setdefault("vendor", VENDOR)
     more.setdefault("packager", PACKAGER)
-    time = more.setdefault("build_time", EPOCH - 100 * DAY)
+    # Not all at once, but always the same.
+    time = more.setdefault("build_time", EPOCH - 100 * DAY - zlib.crc32(name.encode()) % (60 * DAY))
     more.setdefault("changes", history(version, release, time, 2 + len(name) % 4))
     size = more.pop("size", 2000 + 700 * len(name))
     lib = "lib64" if more.get("arch") == "x86_64" else "lib"

@@ -53,6 +53,8 @@ need() {
         done
     done
     [ -n "$missing" ] || return 0
+    local log=$TREE/build/install.log
+    mkdir -p "$TREE/build"
     say "installing$missing"
     # shellcheck disable=SC2086  # a list of words
     if [ $family = DEBIAN ]; then
@@ -60,7 +62,10 @@ need() {
             as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $missing
     else
         as_root dnf install -y -q --setopt=install_weak_deps=False $missing
-    fi || die "could not install$missing"
+    fi >"$log" 2>&1 || {
+        tail -n 20 "$log" >&2
+        die "could not install$missing; all of the output is in $log"
+    }
 }
 
 have_package() {
