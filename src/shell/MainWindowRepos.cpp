@@ -21,7 +21,8 @@ void MainWindow::editRepositories(bool forceReposChanged)
         this, tr("VOK Repository Editor"),
         tr("This version has no editor for repositories of its own. The configuration is in the "
            "main file\n\n%1\n\nand in the files that end in .repo in\n\n%2\n\nEdit them with a "
-           "text editor. The package list is read anew when this box is closed.")
+           "text editor. The package list is read anew when this box is closed. Repositories that "
+           "are switched on or off in the files are so from the next start on.")
             .arg(QString::fromLocal8Bit(conf->fileName()), directories.join(QLatin1Char('\n'))));
     reposChanged();
 }

@@ -335,7 +335,7 @@ private Q_SLOTS:
             .textContains(root.path("etc/yum.conf"))
             .act([&](QWidget*) {
                 // What a person does meanwhile: copy a repository's section under a new name.
-                QFile old(root.path("etc/yum.repos.d/updates.repo"));
+                QFile old(root.path("etc/yum.repos.d/demo.repo"));
                 QVERIFY(old.open(QIODevice::ReadOnly));
                 const QByteArray text = old.readAll();
                 const int section = text.indexOf("[testing]");
