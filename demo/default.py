@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """The recipe of the demo: a small system that has one of everything."""
 
+import os
 import shutil
 import zlib
 from typing import Tuple
@@ -8,6 +9,8 @@ from typing import Tuple
 from demo.recipe import DAY, EPOCH, Change, File, Group, Package, Recipe, Repository
 
 VENDOR = "Example Project"
+#: The static one: there is no C library in the sandbox.
+BUSYBOX = shutil.which("busybox", path=os.environ.get("PATH", "") + ":/usr/bin:/bin:/usr/sbin:/sbin") or "/bin/busybox"
 PACKAGER = "Example Builders <builders@example.org>"
 PEOPLE = ("Ada Ahlström <ada@example.org>", "Björn Ødegård <bjorn@example.org>", "Chloé Nguyễn <chloe@example.org>",
           "Дмитрий Иванов <dmitri@example.org>")
@@ -62,7 +65,7 @@ busybox = package(
     "busybox", "1.35.0", "4", arch="x86_64", summary="One small program that is many", group="System", license="GPLv2",
     description="A shell and the everyday tools in one static executable: what scriptlets run in.",
     requires=("filesystem",), provides=("/bin/sh", "/usr/bin/sh"), files=(
-        File("/usr/bin/busybox", source=shutil.which("busybox") or "/bin/busybox", mode=0o755),) + tuple(
+        File("/usr/bin/busybox", source=BUSYBOX, mode=0o755),) + tuple(
             File("/usr/bin/" + name, link="busybox")
             for name in ("sh", "cat", "cp", "echo", "false", "grep", "ls", "mkdir", "mv", "rm", "sed", "sleep", "true")))
 release = package("demo-release", "9", summary="The name and number of this system", group="System",
