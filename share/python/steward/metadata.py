@@ -74,6 +74,8 @@ class Refresh:
         self._fetch('primary', [self._records[kind] for kind in self._kinds
                                 if kind in self._records])
         self._keep_extra_files()
+        # The library reads the age of the metadata off this file, which may be an old one.
+        os.utime(self._staged(self._records['primary'].href), None)
         self._install()
         self.close()
 

@@ -113,7 +113,7 @@ def make_repository(directory, rpms, comps=None, options=()):
         if name.endswith('.rpm'):
             os.unlink(os.path.join(directory, name))
     for rpm in rpms:
-        shutil.copy(build(rpm), directory)
+        shutil.copy2(build(rpm), directory)
     arguments = ['createrepo_c', '--quiet', '--simple-md-filenames', '--no-database'] \
         + list(options)
     if comps is not None:

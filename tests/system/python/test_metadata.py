@@ -84,6 +84,23 @@ class Requests(SystemTest):
         session._Process.collected = False
         self.assertEqual(nevras(self.collect().lists.available), ['beta-1.0-1.noarch'])
 
+    def test_metadataCountsAsFreshWhenOnlyItsOtherPartsChanged(self):
+        self.repository('base', [Rpm('alpha')], text='metadata_expire=100\n')
+        self.collect()
+        for top, _, names in os.walk(self.path('var/cache/yum')):
+            for name in names:
+                os.utime(os.path.join(top, name), (time.time() - 200,) * 2)
+        make_repository(os.path.join(self.served, 'base'), [Rpm('alpha')], COMPS)
+        from steward import session
+        session._Process.collected = False
+        self.server.forget()
+        self.collect()
+        self.assertEqual(self.server.names(), ['repomd.xml', 'comps.xml.gz'])
+        session._Process.collected = False
+        self.server.forget()
+        self.collect()
+        self.assertEqual(self.server.names(), [])
+
     def test_aChangedRepositoryFileExpiresTheCache(self):
         self.repository('base', [Rpm('alpha')])
         self.collect()
@@ -340,6 +357,37 @@ class Mirrors(SystemTest):
         self.metalink('0' * 64)
         with self.assertRaises(self.names['yum'].Errors.RepoError):
             self.collect()
+
+    def test_neitherTheNewestNorAnOlderRepomdFitsSoItIsRefused(self):
+        self.linked()
+        self.metalink('0' * 64, '1' * 64)
+        with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
+            self.collect()
+        self.assertIn("'base'", caught.exception.value)
+
+    def test_mirrorsOfAListGetTheCredentials(self):
+        self.repository('base', [Rpm('alpha')], baseurl=False,
+                        text='mirrorlist=%s/mirrors\nusername=carol\npassword=s3cret\n'
+                        % self.server.url)
+        with open(os.path.join(self.served, 'mirrors'), 'w') as stream:
+            stream.write('# mirrors\n%s/base\n' % self.server.url)
+        self.server.demand('Basic ' + base64.b64encode(b'carol:s3cret').decode())
+        self.assertEqual(nevras(self.collect().lists.available), ['alpha-1.0-1.noarch'])
+        self.assertEqual(self.server.names(), ['mirrors', 'repomd.xml', 'primary.xml.gz'])
+
+    def test_aMirrorListThatNamesNoneIsARepoError(self):
+        self.repository('base', [Rpm('alpha')], baseurl=False,
+                        text='mirrorlist=%s/mirrors\n' % self.server.url)
+        with open(os.path.join(self.served, 'mirrors'), 'w') as stream:
+            stream.write('# nothing here\n')
+        with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
+            self.collect()
+        self.assertIn("'base'", caught.exception.value)
+
+    def test_baseUrlsDoWithoutTheListOfMirrors(self):
+        self.repository('base', [Rpm('alpha')],
+                        text='mirrorlist=%s/mirrors\n' % self.server.url)
+        self.assertEqual(nevras(self.collect().lists.available), ['alpha-1.0-1.noarch'])
 
     def test_anOlderRepomdThatTheMetalinkStillVouchesForIsUsed(self):
         self.linked()
