@@ -87,6 +87,15 @@ class _Watch(libdnf.repo.PackageTargetCB):
         return _STOP if self._silent >= self._patience else 0
 
 
+def join(url, href):
+    """The URL of a repository's file.
+
+    The downloader would put the path in front of a query, but in a query that ends in "path=..."
+    it belongs to the end.
+    """
+    return url.rstrip('/') + '/' + href
+
+
 class Source:
     """Where the files of one repository come from. Made for one round of downloads."""
 
@@ -161,9 +170,25 @@ class Source:
         if self._servers is None:
             # The servers are known from the configuration, or the downloader finds them.
             self._servers = self._repo
+        if any('?' in url for url in self._servers.baseurl):
+            self._fetch_by_query(files, meter)
+            return
         listed = self.list_url() is not None
         patience = _SILENT_MIRRORS if listed else max(1, len(self._servers.baseurl))
         self._run(self._servers, files, meter, min(patience, _SILENT_MIRRORS))
+
+    def _fetch_by_query(self, files, meter):
+        """The same where a server's URL ends in a query that a file's path is appended to."""
+        problem = None
+        for url in self._servers.baseurl:
+            complete = [File(join(url, item.href), item.path, item.checksum_type, item.checksum,
+                             item.size) for item in files]
+            try:
+                self._run(self._servers, complete, meter, 1)
+                return
+            except RepoError as exc:
+                problem = type(exc)(text_of(exc))
+        raise problem
 
     def _run(self, servers, files, meter, patience):
         failures, watches, targets = [], [], []

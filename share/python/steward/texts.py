@@ -6,8 +6,9 @@ import re
 MASK = '***'
 
 _USERINFO = re.compile(r'([A-Za-z][A-Za-z0-9+.-]*://)[^/\s]*@')
-# The two ways in which a name and a password are written into a repository's path.
-_QUERY = re.compile(r'(/vantry\?[^&=\s]*=)[^&\s]*(&[^&=\s]*=)[^&\s]*(?=&path=)')
+# The two ways in which a name and a password are written into a repository's URL. The downloader
+# may have moved the query behind the path.
+_QUERY = re.compile(r'(\?[^&=\s]*=)[^&\s]*(&[^&=\s]*=)[^&\s]*(?=&path=)')
 _PATH = re.compile(r'(/rhel/[^/=\s]*=)[^/\s]*(/[^/=\s]*=)[^/\s]*(?=/)')
 
 
@@ -37,7 +38,7 @@ def masked(value):
     text = plain(value)
     if '://' in text:
         text = _USERINFO.sub(r'\1' + MASK + '@', text)
-        if '/vantry?' in text:
+        if '&path=' in text:
             text = _QUERY.sub(r'\1' + MASK + r'\2' + MASK, text)
         if '/rhel/' in text:
             text = _PATH.sub(r'\1' + MASK + r'\2' + MASK, text)

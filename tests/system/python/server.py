@@ -61,6 +61,8 @@ class _Handler(http.server.SimpleHTTPRequestHandler):
     directory_served = ''
 
     def translate_path(self, path):
+        if path.startswith('/vantry?'):
+            path = path.partition('&path=')[2]
         return os.path.join(self.directory_served, path.split('?')[0].lstrip('/'))
 
     def log_message(self, *args):
@@ -75,7 +77,8 @@ class _Handler(http.server.SimpleHTTPRequestHandler):
             self.send_header('WWW-Authenticate', 'Basic realm="x"')
             self.end_headers()
             return
-        what = _STATE['behave'].get(self.path)
+        what = _STATE['behave'].get(self.path) or _STATE['behave'].get(
+            self.path.split('?')[0])
         if isinstance(what, int):
             self.send_error(what)
         elif what == 'hang':

@@ -159,6 +159,22 @@ class Requests(SystemTest):
         self.assertNotIn('s3cret', caught.exception.value)
         self.assertNotIn('s3cret', repr(yumIOC.calls))
 
+    def test_aUrlThatEndsInAQueryGetsThePathAppended(self):
+        self.repository('base', [Rpm('alpha')], baseurl=False,
+                        text='baseurl=%s/none?user=carol&word=s3cret&path=/ '
+                             '%s/vantry?user=carol&word=s3cret&path=/base\n'
+                             % (self.server.url, self.server.url))
+        made = self.collect()
+        self.assertEqual(nevras(made.lists.available), ['alpha-1.0-1.noarch'])
+        made.collectFileLists()
+        self.assertIn('/vantry?user=carol&word=s3cret&path=/base/repodata/repomd.xml',
+                      [path for path, _ in self.server.requests()])
+        self.server.behave('/vantry', 500)
+        with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
+            self.again(made)
+        self.assertNotIn('s3cret', caught.exception.value)
+        self.assertNotIn('s3cret', repr(yumIOC.calls))
+
     def test_aFileRepositoryWorks(self):
         make_repository(os.path.join(self.served, 'local'), [Rpm('alpha')])
         with open(self.path('etc/yum.repos.d/local.repo'), 'w') as stream:
