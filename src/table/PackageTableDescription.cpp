@@ -37,14 +37,13 @@ public:
 
     void group(YumIO& yumIO, const Package::Entry& entry);
     void package(YumIO& yumIO, const Package::Entry& entry);
-    void olderVersion(YumIO& yumIO, const Package::Entry& entry);
+    void furtherVersion(YumIO& yumIO, const Package::Entry& entry);
 
     QString text;
 };
 
 void Writer::group(YumIO& yumIO, const Package::Entry& entry)
 {
-    heading(yumIO.getState(entry));
     line(tr("Kind"), yumIO.getKind(entry));
     block(tr("Required Groups"), yumIO.getRequiredGroups(entry));
     block(tr("Default MetaPkgs"), yumIO.getDefaultMetaPkgs(entry));
@@ -57,7 +56,6 @@ void Writer::group(YumIO& yumIO, const Package::Entry& entry)
 
 void Writer::package(YumIO& yumIO, const Package::Entry& entry)
 {
-    heading(yumIO.getState(entry));
     line(tr("Kind"), yumIO.getKind(entry));
     line(tr("Version"), yumIO.getVerRel(entry));
     line(tr("Repository"), yumIO.getRepo(entry));
@@ -88,7 +86,7 @@ void Writer::package(YumIO& yumIO, const Package::Entry& entry)
         block(tr("Change Log"), yumIO.getChangeLog(entry));
 }
 
-void Writer::olderVersion(YumIO& yumIO, const Package::Entry& entry)
+void Writer::furtherVersion(YumIO& yumIO, const Package::Entry& entry)
 {
     heading(yumIO.getState(entry));
     line(tr("Version"), yumIO.getVerRel(entry));
@@ -104,12 +102,18 @@ QString description(YumIO& yumIO, const Package::Entry& entry)
 {
     Writer writer;
     writer.heading(yumIO.getName(entry));
-    if (entry.kind == Package::KindGroup)
+    writer.heading(yumIO.getState(entry));
+    switch (entry.kind) {
+    case Package::KindGroup:
         writer.group(yumIO, entry);
-    else
+        break;
+    case Package::KindSuite:
+    case Package::KindOrdinary:
         writer.package(yumIO, entry);
+        break;
+    }
     for (const Package::Entry* version = entry.next; version; version = version->next)
-        writer.olderVersion(yumIO, *version);
+        writer.furtherVersion(yumIO, *version);
     return writer.text;
 }
 

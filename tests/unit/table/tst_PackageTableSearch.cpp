@@ -1,0 +1,312 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "TableEngine.h"
+
+#include "table/PackageTableDescription.h"
+#include "table/PackageTableModel.h"
+#include "table/PackageTableSortFilterProxyModel.h"
+
+#include <QTest>
+
+using namespace Package;
+using namespace PackageTable;
+
+/// An engine over an interpreter whose packages note what they are asked.
+class ScriptedEngine : public TableEngine
+{
+public:
+    bool start()
+    {
+        if (!Python::initialize())
+            return false;
+        // As after a load of the extra data, by a package manager that has groups of its own.
+        fileListsCollected = true;
+        otherDataCollected = true;
+        yumVersionRead = true;
+        yumVersionText = QStringLiteral("4.0.0");
+        PyGILStateWrapper lock(true);
+        py(R"(
+asked = []
+
+class FakePackage:
+    relativepath = 'p'
+    prco = True
+    files = True
+    changelog = True
+
+    def __init__(self, **fields):
+        self.fields = fields
+
+    def value(self, field):
+        asked.append(field)
+        return self.fields.get(field, '')
+
+    def returnSimple(self, field):
+        return self.value(field)
+
+    def returnPrco(self, word):
+        return [(self.value(word), None, None)]
+
+    def returnFileEntries(self, kind):
+        return self.value('files').split()
+
+    def returnChangelog(self):
+        return [(0, 'someone', self.value('changelog'))]
+
+class FakeGroup:
+    def __init__(self, **fields):
+        self.fields = fields
+
+    def __getattr__(self, field):
+        asked.append(field)
+        return self.fields.get(field, [])
+)");
+        return true;
+    }
+
+    Entry* addPackage(const QString& name, const char* expression, Kind kind = KindOrdinary)
+    {
+        Entry* entry = add(name, StateInstallable, kind);
+        PyGILStateWrapper lock(true);
+        entry->pyObject = pyr(expression).release();
+        return entry;
+    }
+
+    /// What was asked of all packages since the last call.
+    QStringList takeAsked()
+    {
+        PyGILStateWrapper lock(true);
+        const PyRef text = pyr("' '.join(asked)");
+        py("asked.clear()");
+        return QString::fromUtf8(Python::pyString(text.get())).split(' ', Qt::SkipEmptyParts);
+    }
+
+    void setExtraDataCollected(bool collected)
+    {
+        fileListsCollected = collected;
+        otherDataCollected = collected;
+    }
+
+    ~ScriptedEngine() override
+    {
+        PyGILStateWrapper lock(true);
+        for (Entry* entry : qAsConst(entries))
+            Py_CLEAR(entry->pyObject);
+    }
+};
+
+class TestPackageTableSearch : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+
+    void matchesEachFieldOfAPackage_data();
+    void matchesEachFieldOfAPackage();
+    void matchesEachFieldOfAGroup_data();
+    void matchesEachFieldOfAGroup();
+    void asksForTheFieldsInTheirOrder();
+    void asksForNoFieldBehindTheFirstMatch();
+    void asksOnceForEachPattern();
+    void asksNothingOfRowsThatAnotherTestRejects();
+    void doesNotMatchAcrossFields();
+    void matchesCaseSensitively();
+
+    void describesAllFieldsOfAPackage();
+    void describesExtraDataOnlyIfItIsAtHand();
+    void describesAGroup();
+    void describesFurtherVersions();
+
+private:
+    QStringList listed() const
+    {
+        QStringList names;
+        for (int row = 0; row < proxy->rowCount(); ++row)
+            names += proxy->index(row, ColumnName).data().toString();
+        return names;
+    }
+
+    ScriptedEngine* engine = nullptr;
+    Model* model = nullptr;
+    SortFilterProxyModel* proxy = nullptr;
+};
+
+static const QStringList packageFields{
+    "description", "group",    "vendor",   "relativepath", "sourcerpm", "license", "packager",
+    "url",         "provides", "requires", "conflicts",    "obsoletes", "files",   "changelog"};
+static const QStringList groupFields{"mandatory_packages", "default_packages", "optional_packages",
+                                     "conditional_packages"};
+
+void TestPackageTableSearch::init()
+{
+    engine = new ScriptedEngine;
+    QVERIFY(engine->start());
+    model = new Model(engine);
+    proxy = new SortFilterProxyModel(ViewAll, true, true, engine);
+    proxy->setSourceModel(model);
+    proxy->setMode(ModeSearch);
+    engine->takeAsked();
+}
+
+void TestPackageTableSearch::cleanup()
+{
+    delete proxy;
+    delete model;
+    delete engine;
+}
+
+void TestPackageTableSearch::matchesEachFieldOfAPackage_data()
+{
+    QTest::addColumn<QString>("field");
+    for (const QString& field : packageFields)
+        QTest::newRow(qPrintable(field)) << field;
+}
+
+void TestPackageTableSearch::matchesEachFieldOfAPackage()
+{
+    QFETCH(QString, field);
+    engine->addPackage("with", qPrintable(QString("FakePackage(%1='xNeedlex')").arg(field)));
+    engine->addPackage("without", "FakePackage()", KindSuite);
+    proxy->setFilterRegExp("Needle");
+    QCOMPARE(listed(), QStringList({"with"}));
+}
+
+void TestPackageTableSearch::matchesEachFieldOfAGroup_data()
+{
+    QTest::addColumn<QString>("field");
+    for (const QString& field : groupFields)
+        QTest::newRow(qPrintable(field)) << field;
+}
+
+void TestPackageTableSearch::matchesEachFieldOfAGroup()
+{
+    QFETCH(QString, field);
+    engine->addPackage("with", qPrintable(QString("FakeGroup(%1=['a', 'Needle'])").arg(field)),
+                       KindGroup);
+    engine->addPackage("without", "FakeGroup()", KindGroup);
+    proxy->setFilterRegExp("^Needle.a$"); // a list is one text, an item a line
+    QCOMPARE(listed(), QStringList({"with"}));
+}
+
+void TestPackageTableSearch::asksForTheFieldsInTheirOrder()
+{
+    engine->addPackage("package", "FakePackage()");
+    proxy->setFilterRegExp("Needle");
+    QCOMPARE(engine->takeAsked(), packageFields);
+
+    engine->addPackage("group", "FakeGroup()", KindGroup);
+    proxy->setStateFilter(ViewAll);
+    model->reset();
+    proxy->clearCache();
+    engine->takeAsked();
+    QVERIFY(!proxy->filterAcceptsRow(1, QModelIndex()));
+    QCOMPARE(engine->takeAsked(), groupFields);
+}
+
+void TestPackageTableSearch::asksForNoFieldBehindTheFirstMatch()
+{
+    engine->addPackage("package", "FakePackage(vendor='Needle')");
+    proxy->setFilterRegExp("package");
+    QCOMPARE(engine->takeAsked(), QStringList());
+    proxy->setFilterRegExp("Needle");
+    QCOMPARE(engine->takeAsked(), QStringList({"description", "group", "vendor"}));
+}
+
+void TestPackageTableSearch::asksOnceForEachPattern()
+{
+    engine->addPackage("package", "FakePackage()");
+    model->reset();
+    proxy->setFilterRegExp("Needle");
+    QCOMPARE(proxy->rowCount(), 0);
+    proxy->sort(ColumnSize);
+    QCOMPARE(engine->takeAsked().count("vendor"), 1);
+    proxy->setGroupsFilter(false);
+    QCOMPARE(proxy->rowCount(), 0);
+    QCOMPARE(engine->takeAsked().count("vendor"), 1);
+}
+
+void TestPackageTableSearch::asksNothingOfRowsThatAnotherTestRejects()
+{
+    engine->addPackage("package", "FakePackage()")->duplicate = true;
+    proxy->setDupsFilter(false);
+    proxy->setFilterRegExp("Needle");
+    QCOMPARE(engine->takeAsked(), QStringList());
+}
+
+void TestPackageTableSearch::doesNotMatchAcrossFields()
+{
+    engine->addPackage("bash", "FakePackage(description='end', group='start')")->verRel = "5.0-1";
+    for (const char* pattern : {"bash 5", "bash5", "bash.5", "end.?start", "endstart"}) {
+        proxy->setFilterRegExp(pattern);
+        QCOMPARE(listed(), QStringList());
+    }
+    proxy->setFilterRegExp("^start$");
+    QCOMPARE(listed(), QStringList({"bash"}));
+}
+
+void TestPackageTableSearch::matchesCaseSensitively()
+{
+    engine->addPackage("bash", "FakePackage(description='Apple')");
+    proxy->setFilterRegExp("apple");
+    QCOMPARE(listed(), QStringList());
+    proxy->setFilterRegExp("Apple");
+    QCOMPARE(listed(), QStringList({"bash"}));
+}
+
+void TestPackageTableSearch::describesAllFieldsOfAPackage()
+{
+    QString fields;
+    for (const QString& field : packageFields)
+        fields += QString("%1='the %1',").arg(field);
+    Entry* entry = engine->addPackage("bash", qPrintable("FakePackage(" + fields + ")"));
+    entry->summary = "A shell";
+    const QString text = description(*engine, *entry);
+    QVERIFY(text.startsWith("bash\n\nAvailable for installation\n"));
+    for (const char* part :
+         {"Kind: Ordinary package\n", "Version: 1.0-1\n", "Repository: base\n",
+          "Architecture: x86_64\n", "Summary: A shell\n", "Vendor: the vendor\n",
+          "License: the license\n", "\nDescription:\nthe description\n",
+          "\nRequires:\nthe requires\n", "\nFiles:\nfiles\nthe\n", "the changelog\n"})
+        QVERIFY2(text.contains(part), part);
+    // What has no value has no line.
+    QVERIFY(!text.contains("Install Time"));
+}
+
+void TestPackageTableSearch::describesExtraDataOnlyIfItIsAtHand()
+{
+    Entry* entry = engine->addPackage("bash", "FakePackage(files='/bin/bash', changelog='new')");
+    engine->setExtraDataCollected(false);
+    QString text = description(*engine, *entry);
+    QVERIFY(!text.contains("Files:"));
+    QVERIFY(!text.contains("Change Log:"));
+    engine->setExtraDataCollected(true);
+    text = description(*engine, *entry);
+    QVERIFY(text.contains("\nFiles:\n/bin/bash\n"));
+    QVERIFY(text.contains("\nChange Log:\n"));
+}
+
+void TestPackageTableSearch::describesAGroup()
+{
+    Entry* entry =
+        engine->addPackage("Editors", "FakeGroup(mandatory_packages=['vim', 'ed'])", KindGroup);
+    QCOMPARE(description(*engine, *entry),
+             QString("Editors\n\nAvailable for installation\nKind: Group of packages\n"
+                     "\nMandatory Packages:\ned\nvim\n"));
+}
+
+void TestPackageTableSearch::describesFurtherVersions()
+{
+    Entry* entry = engine->addPackage("kernel", "FakePackage()");
+    Entry* older = engine->addPackage("kernel", "FakePackage(packager='someone')");
+    older->state = StateInstalled;
+    older->verRel = "0.9-1";
+    entry->next = older;
+    const QString text = description(*engine, *entry);
+    entry->next = nullptr;
+    QVERIFY(text.contains("\nInstalled\nVersion: 0.9-1\n"));
+    QVERIFY(text.endsWith("Packager: someone\n"));
+}
+
+QTEST_MAIN(TestPackageTableSearch)
+#include "tst_PackageTableSearch.moc"
