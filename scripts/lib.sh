@@ -9,12 +9,12 @@ PYTHON=/usr/bin/python3
 DEBIAN_BUILD="g++ cmake ninja-build pkg-config qtbase5-dev qt5-style-plugins python3-dev python3-dnf python3-rpm"
 DEBIAN_DEMO="rpm createrepo-c gnupg gpg-agent busybox-static dbus fonts-dejavu-core tar util-linux"
 DEBIAN_DISPLAY="xvfb openbox xdotool x11-utils imagemagick"
-DEBIAN_TEST="pyflakes3 libxml2-utils"
+DEBIAN_TEST="pyflakes3"
 FEDORA_BUILD="gcc-c++ cmake ninja-build pkgconf-pkg-config qt5-qtbase-devel qt5-qtstyleplugins python3-devel python3-dnf
     python3-rpm"
 FEDORA_DEMO="rpm-build rpm-sign createrepo_c gnupg2 busybox dbus-daemon dejavu-sans-fonts tar util-linux"
 FEDORA_DISPLAY="xorg-x11-server-Xvfb openbox xdotool xprop xwininfo ImageMagick"
-FEDORA_TEST="python3-pyflakes libxml2"
+FEDORA_TEST="python3-pyflakes"
 
 say() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
