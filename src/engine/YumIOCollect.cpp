@@ -301,13 +301,12 @@ bool YumIO::collectSet(EntryHash& hash, PyObject* iterable, Package::State state
         handleException();
         return false;
     }
-    const Py_ssize_t expected = PyObject_LengthHint(iterable, 0);
-    if (expected > 0) {
-        hash.reserve(hash.size() + static_cast<int>(expected));
-        bestByName.reserve(bestByName.size() + static_cast<int>(expected));
-    } else {
-        PyErr_Clear();
-    }
+    // Only a hint, which may be wrong by any amount.
+    const Py_ssize_t hint = PyObject_LengthHint(iterable, 0);
+    PyErr_Clear();
+    const int expected = static_cast<int>(qBound<Py_ssize_t>(0, hint, 1000000));
+    hash.reserve(hash.size() + expected);
+    bestByName.reserve(bestByName.size() + expected);
 
     RowMethod rowMethod;
     while (const PyRef package = PyRef::adopt(PyIter_Next(iterator.get()))) {

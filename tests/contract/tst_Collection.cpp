@@ -380,6 +380,7 @@ private Q_SLOTS:
         QCOMPARE(contract->engine().count(), 1);
         const Package::Entry* entry = contract->row("kernel");
         QCOMPARE(entry->verRel, QString("1-1"));
+        QVERIFY(entry->next && entry->next->next);
         QCOMPARE(entry->next->verRel, QString("2-1"));
         QCOMPARE(entry->next->next->verRel, QString("3-1"));
         QVERIFY(!entry->next->next->next);

@@ -235,6 +235,7 @@ private Q_SLOTS:
         QVERIFY(contract->collect());
         OpenEngine::PyGILStateWrapper lock(true);
         const Package::Entry* entry = contract->row("a");
+        QVERIFY(entry && entry->next);
         const PyRef head = PyRef::borrow(entry->pyObject);
         const PyRef link = PyRef::borrow(entry->next->pyObject);
         QCOMPARE(static_cast<int>(Py_REFCNT(head.get())), 2);
