@@ -293,7 +293,10 @@ private Q_SLOTS:
         // The key is refused until the first collection is over.
         const auto pressed = [&] {
             SandboxRoot::run("xdotool", {"search", "--onlyvisible", "--name", "^VOK - ",
-                                         "windowactivate", "--sync", "key", "ctrl+q"});
+                                         "windowactivate", "--sync"});
+            SandboxRoot::run("xdotool", {"key", "ctrl+q"});
+            // The window may have gone before the keys came up, and the server would repeat them.
+            SandboxRoot::run("xdotool", {"keyup", "q", "keyup", "ctrl"});
             return vok.process.waitForFinished(500);
         };
         for (int tries = 0; tries < 40 && !pressed(); ++tries)
