@@ -29,7 +29,9 @@ bool ColumnWidth::Kind::operator<(const Kind& other) const
 
 bool ColumnWidth::Kind::operator==(const Kind& other) const
 {
-    return !(*this < other) && !(other < *this);
+    return hasText == other.hasText && hasCheckBox == other.hasCheckBox &&
+           decorationType == other.decorationType && decorationIsNull == other.decorationIsNull &&
+           decorationKey == other.decorationKey && font == other.font;
 }
 
 ColumnWidth::ColumnWidth(const HItemDelegate* delegate, const QStyleOptionViewItem& option)

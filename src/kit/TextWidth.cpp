@@ -77,7 +77,7 @@ TextWidth::Bounds TextWidth::bounds(const QString& text)
 
     Step& last = step(end[-2], end[-1]);
     if (last.overhang < 0)
-        last.overhang = overhang(text.right(2));
+        last.overhang = static_cast<float>(overhang(text.right(2)));
     sum += last.overhang;
     return {qMax<qreal>(0, sum - slack), sum + slack};
 }
@@ -97,7 +97,8 @@ void TextWidth::measure(Step& step, ushort left, ushort right)
 {
     const QChar pair[] = {QChar(left), QChar(right)};
     // Two characters that join to less than the first alone would look unmeasured.
-    step.width = qMax<qreal>(0, m_metrics.horizontalAdvance(QString(pair, 2)) - advance(left));
+    step.width = static_cast<float>(
+        qMax<qreal>(0, m_metrics.horizontalAdvance(QString(pair, 2)) - advance(left)));
     step.bound = step.width != advance(right) || (isPunctuation(left) && isPunctuation(right));
 }
 

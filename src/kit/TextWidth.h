@@ -29,10 +29,11 @@ public:
     Bounds bounds(const QString& text);
 
 private:
+    // Widths come in 64ths of a pixel, which a float holds exactly.
     struct Step {
-        qreal width = -1; ///< what the second character of a pair adds; negative while not measured
+        float width = -1; ///< what the second character of a pair adds; negative while not measured
+        float overhang = -1; ///< what sticks out at the end of a line; negative while not measured
         bool bound = false;  ///< kerned, joined, or otherwise not what it would add elsewhere
-        qreal overhang = -1; ///< what sticks out at the end of a line; negative while not measured
     };
 
     static constexpr ushort firstPlain = 0x20;
