@@ -122,6 +122,8 @@ class System:
     def _configured(self):
         conf = dnf.conf.Conf()
         _choose_rpm_database()
+        # rpm makes one as soon as it is asked for it.
+        self._has_database = os.path.isdir(_database_path())
         conf.installroot = root() or '/'
         conf.config_file_path = config_path()
         try:
@@ -242,10 +244,15 @@ class System:
         """
         if self.problem is not None:
             raise RepoError(self.problem)
+        if not self._has_database:
+            LOGGER.warning('There was no package database at %s; nothing counts as installed',
+                           _database_path())
         try:
             self._update(ask)
-            self._check_rpm_database()
-            self.base.fill_sack(load_system_repo='auto')
+            self.base.fill_sack()
+        except OSError as exc:
+            problem = RepoError('The package database at %s, or the cache at %s, cannot be used: %s'
+                                % (_database_path(), self.conf.cachedir, text_of(exc)))
         except dnf.exceptions.LockError as exc:
             problem = RepoError(text_of(lock.refused(exc, 'The metadata cache')))
         else:
@@ -285,11 +292,6 @@ class System:
         repo.disable()
         return False
 
-    def _check_rpm_database(self):
-        path = below_root(rpm.expandMacro('%{_dbpath}'))
-        if not os.path.isdir(path):
-            LOGGER.warning('There is no package database at %s; nothing counts as installed', path)
-
     def header(self, rpmdbid):
         """The header of an installed package, or None when it is gone from the database."""
         if self._headers is None:
@@ -323,6 +325,10 @@ def end_current():
     """Ends the system of the last collection, if any: plugins exist once in a process."""
     while _CURRENT:
         _CURRENT[-1].end()
+
+
+def _database_path():
+    return below_root(rpm.expandMacro('%{_dbpath}'))
 
 
 def _choose_rpm_database():

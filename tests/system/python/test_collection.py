@@ -2,6 +2,7 @@
 """A collection from the lock to the groups, over real packages."""
 
 import os
+import shutil
 import unittest
 
 from fixture import COMPS, Rpm, SystemTest, make_repository, nevra, nevras, yumIOC
@@ -241,12 +242,21 @@ class Configuration(SystemTest):
         with open(os.path.join(plugins, 'angry.py'), 'w') as stream:
             stream.write('import dnf\nclass Angry(dnf.Plugin):\n name="angry"\n'
                          ' def config(self):\n  raise KeyError("broken at work")\n')
+        self.addCleanup(self.calm)
         self.config('[main]\nplugins=1\npluginpath=%s\n' % plugins)
         self.repository('base', [Rpm('alpha')])
         self.assertEqual(nevras(self.collect().lists.available), ['alpha-1.0-1.noarch'])
         errors = '\n'.join(yumIOC.lines('errorlog'))
         self.assertIn('broken at import', errors)
         self.assertIn('broken at work', errors)
+
+    @staticmethod
+    def calm():
+        """The library finds every plugin class that ever was."""
+        import dnf.plugin
+        for made in dnf.plugin.Plugin.__subclasses__():
+            if made.__name__ == 'Angry':
+                made.config = lambda self: None
 
     def test_theInstalledPackagesOfTheRootAreReadNotTheUsers(self):
         self.install(Rpm('alpha'))
@@ -255,10 +265,20 @@ class Configuration(SystemTest):
                          ['alpha-1.0-1.noarch'])
 
     def test_aRootWithoutPackageDatabaseHasNothingInstalled(self):
-        import shutil
         shutil.rmtree(self.path('var/lib/rpm'))
         self.repository('base', [Rpm('beta')])
         self.assertEqual(self.collect().lists.installed, [])
+        self.assertIn(self.path('var/lib/rpm'), ''.join(yumIOC.lines('errorlog')))
+
+    def test_aDamagedPackageDatabaseIsARepoErrorNotAnEmptySystem(self):
+        self.install(Rpm('alpha'))
+        self.repository('base', [Rpm('beta')])
+        for name in os.listdir(self.path('var/lib/rpm')):
+            with open(self.path('var/lib/rpm', name), 'wb') as stream:
+                stream.write(b'garbage' * 1000)
+        with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
+            self.make().setupRepos()
+        self.assertIn(self.path('var/lib/rpm'), caught.exception.value)
 
 
 class Contract(SystemTest):
