@@ -37,9 +37,9 @@ class YumIO:
         pass
 )";
 
-/// Stands for the browser: writes down how it was called.
+/// Stands for the browser: writes down how it was called, one line a call.
 const char browser[] = R"(#!/bin/sh
-printf '%s|%s' "$#" "$1" > "$0.part" && mv "$0.part" "$0.said"
+printf '%s|%s\n' "$#" "$1" >> "$0.said"
 )";
 
 } // namespace
@@ -65,7 +65,7 @@ private Q_SLOTS:
 private:
     void writeFile(const QString& name, const char* content, bool executable);
     QString saidPath() const { return share.filePath(QStringLiteral("webbrowser.said")); }
-    /// What the browser was called with, "<number of arguments>|<first>".
+    /// What the browser was called with, "<number of arguments>|<first>", a line for each call.
     QByteArray said();
 
     QTemporaryDir share;
@@ -115,11 +115,11 @@ void TestRepoBrowse::cleanup()
 
 QByteArray TestRepoBrowse::said()
 {
-    // The browser is nobody's child, so there is no end of it to wait for.
-    if (!QTest::qWaitFor([this] { return QFile::exists(saidPath()); }))
-        return "nothing";
     QFile file(saidPath());
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    // The browser is nobody's child, so there is no end of it to wait for.
+    if (!QTest::qWaitFor([&file] { return file.size() > 0; }) || !file.open(QIODevice::ReadOnly))
+        return "nothing";
+    return file.readAll().trimmed();
 }
 
 void TestRepoBrowse::opensTheEntrysUrl_data()
@@ -207,9 +207,13 @@ void TestRepoBrowse::anUnknownIdDoesNothing()
     QHash<QString, bool> used;
     YumConfIO conf(options, used);
     RepoBrowse::browse(&window, QStringLiteral("gone"), yumIO.get(), &conf);
-
-    // A browser started by mistake would have spoken before this one, or would overwrite it.
     Repo::Entry entry;
+    entry.id = QStringLiteral("there");
+    entry.baseurl = QStringLiteral("http://h/there");
+    conf.entries.append(entry);
+    RepoBrowse::browse(&window, QStringLiteral("gone"), yumIO.get(), &conf);
+
+    // A browser started by mistake had a head start on this one.
     entry.baseurl = QStringLiteral("http://h/next");
     RepoBrowse::browse(&window, entry, yumIO.get());
     QCOMPARE(said(), QByteArray("1|http://h/next"));
