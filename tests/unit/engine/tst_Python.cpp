@@ -161,10 +161,11 @@ void TestPython::keepsTheInterpretersOwnSigintHandler()
 void TestPython::initializingAgainDoesNothing()
 {
     PyObject* const dict = Probe::main_dict;
-    python.py("marker = 11");
+    python.py("kept = defaultSigIntSigaction; defaultSigIntSigaction = 11");
     QVERIFY(python.initialize());
     QCOMPARE(Probe::main_dict, dict);
-    QCOMPARE(python.number("marker"), 11L);
+    QCOMPARE(python.number("defaultSigIntSigaction"), 11L);
+    python.py("defaultSigIntSigaction = kept; del kept");
 }
 
 void TestPython::runsCodeOfAnyLength()

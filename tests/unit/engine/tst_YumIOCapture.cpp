@@ -60,6 +60,7 @@ private Q_SLOTS:
     void textWithoutANewlineWaitsForIt();
     void loneNewlineIsAnEmptyLine();
     void twoLinesInOneWriteLeaveNothing();
+    void whatFollowsANewlineBeginsTheNextLine();
     void bothStreamsHaveTheirOwnLines();
     void standardErrorKindIsTheEngines();
     void rewritesNothing();
@@ -133,6 +134,14 @@ void TestYumIOCapture::twoLinesInOneWriteLeaveNothing()
     engine.writeStderr(QStringLiteral("one\ntwo\n"));
     QCOMPARE(engine.takeLog(), QStringList({QStringLiteral("3 0 one"), QStringLiteral("3 0 two")}));
     QCOMPARE(engine.stderrPartial, QString());
+}
+
+void TestYumIOCapture::whatFollowsANewlineBeginsTheNextLine()
+{
+    engine.writeStdout(QStringLiteral("one\ntw"));
+    QCOMPARE(engine.takeLog(), QStringList(QStringLiteral("1 0 one")));
+    engine.writeStdout(QStringLiteral("o\n"));
+    QCOMPARE(engine.takeLog(), QStringList(QStringLiteral("1 0 two")));
 }
 
 void TestYumIOCapture::bothStreamsHaveTheirOwnLines()
