@@ -71,8 +71,14 @@ communication = _guarded(base_error, LIBRARY)
 
 
 def lock_error(exc):
-    """A LockError with the masked text of `exc`."""
-    return LockError(text_of(exc))
+    """A LockError with the masked text of `exc`.
+
+    The text goes to the error log as well: the program shows what was logged of a refused lock, not
+    the exception's own text.
+    """
+    problem = LockError(text_of(exc))
+    yumIOC.errorlog(0, problem.value)
+    return problem
 
 
 locking = _guarded(lock_error, LIBRARY + (OSError,))

@@ -35,6 +35,8 @@ class Lock(SystemTest):
             self.make().lock()
         self.assertIn('pid %d' % pid, caught.exception.value)
         self.assertIn(os.path.basename(sys.executable)[:6], caught.exception.value)
+        # The program shows the error log of a refused lock, not the exception's text.
+        self.assertIn(('errorlog', 0, caught.exception.value), yumIOC.calls)
 
     def test_aLockOfADeadProcessIsTakenOver(self):
         process = subprocess.Popen(['true'])
