@@ -23,11 +23,12 @@ class Display(unittest.TestCase):
                                 encoding="utf-8")
 
     def test_gives_a_screen_with_a_window_manager_and_the_commands_status(self):
-        with self.start("xprop -root _NET_SUPPORTING_WM_CHECK; xwininfo -root; exit 7") as process:
+        with self.start("xprop -root _NET_SUPPORTING_WM_CHECK; xwininfo -root; echo $XDG_RUNTIME_DIR; exit 7") as process:
             out, _ = process.communicate(timeout=60)
         self.assertEqual(process.returncode, 7)
         self.assertIn("window id # 0x", out)
         self.assertIn("-geometry 1280x1024", out)
+        self.assertTrue(out.splitlines()[-1].startswith(self.scratch), out)
         self.assertEqual(os.listdir(self.scratch), [])
 
     def test_two_displays_are_two(self):
