@@ -224,15 +224,23 @@ QVariant Model::foreground(const Package::Entry& entry, int column) const
 {
     if (column < ColumnKind)
         return QVariant();
+    const Foreground* colours = nullptr;
     switch (entry.state) {
     case Package::StateUpdatable:
-        return enabled ? updatable.enabled : updatable.disabled;
+        colours = &updatable;
+        break;
     case Package::StateInstallable:
-        return enabled ? installable.enabled : installable.disabled;
+        colours = &installable;
+        break;
     case Package::StateInstalled:
-        return enabled ? installed.enabled : installed.disabled;
+        colours = &installed;
+        break;
     }
-    return QVariant();
+    if (!colours)
+        return QVariant();
+    const QColor& colour = enabled ? colours->enabled : colours->disabled;
+    // Delegates paint an invalid colour in black, not in the palette's.
+    return colour.isValid() ? QVariant(colour) : QVariant();
 }
 
 QVariant Model::headerData(int section, Qt::Orientation orientation, int role) const

@@ -21,37 +21,36 @@ public:
     {
     }
 
-    QList<QByteArray> parse() { return alternation(0); }
+    QList<QList<QByteArray>> parse() { return alternation(0); }
 
 private:
     using Texts = QList<QByteArray>;
 
     /// One of the branches matches, so each must have its text.
-    Texts alternation(int depth)
+    QList<Texts> alternation(int depth)
     {
-        Texts all = branch(depth);
+        const QList<Texts> first = branch(depth);
+        if (at == end || *at != '|')
+            return first;
+        Texts all = best(first);
         bool known = !all.isEmpty();
         while (at < end && *at == '|') {
             ++at;
-            const Texts texts = branch(depth);
+            const Texts texts = best(branch(depth));
             known = known && !texts.isEmpty();
             all += texts;
         }
-        return known && all.size() <= maximumTexts ? all : Texts();
+        return known && all.size() <= maximumTexts ? QList<Texts>{all} : QList<Texts>();
     }
 
-    /// All parts of a branch match, so the part that excludes most is enough.
-    Texts branch(int depth)
+    /// All parts of a branch match.
+    QList<Texts> branch(int depth)
     {
-        Texts best;
+        QList<Texts> sets;
         QByteArray run;
-        const auto consider = [&best](const Texts& texts) {
-            if (shortest(texts) > shortest(best))
-                best = texts;
-        };
         const auto endRun = [&] {
             if (!run.isEmpty())
-                consider({run});
+                sets += Texts{run};
             run.clear();
         };
 
@@ -59,11 +58,11 @@ private:
             if (*at == '(') {
                 endRun();
                 ++at;
-                const Texts inner = alternation(depth + 1);
+                const QList<Texts> inner = alternation(depth + 1);
                 if (at < end)
                     ++at;
                 if (quantifier() != MayBeAbsent)
-                    consider(inner);
+                    sets += inner;
             } else if (const QByteArray character = literal(); !character.isEmpty()) {
                 const Quantifier times = quantifier();
                 if (times != MayBeAbsent)
@@ -77,6 +76,17 @@ private:
             }
         }
         endRun();
+        return sets;
+    }
+
+    /// The set that excludes most, by guess: the one whose shortest text is longest.
+    static Texts best(const QList<Texts>& sets)
+    {
+        Texts best;
+        for (const Texts& texts : sets) {
+            if (shortest(texts) > shortest(best))
+                best = texts;
+        }
         return best;
     }
 
@@ -172,17 +182,17 @@ private:
 } // namespace
 
 RequiredLiteral::RequiredLiteral(const QByteArray& expression)
-    : texts(Parser(expression).parse())
-    , whole(texts.size() == 1 && texts.first() == expression)
+    : sets(Parser(expression).parse())
+    , whole(sets == QList<QList<QByteArray>>{{expression}})
 {
 }
 
 bool RequiredLiteral::mayMatch(const char* text, size_t length) const
 {
-    if (texts.isEmpty())
-        return true;
-    return std::any_of(texts.begin(), texts.end(), [text, length](const QByteArray& literal) {
-        return memmem(text, length, literal.constData(), static_cast<size_t>(literal.size()));
+    return std::all_of(sets.begin(), sets.end(), [text, length](const QList<QByteArray>& texts) {
+        return std::any_of(texts.begin(), texts.end(), [text, length](const QByteArray& literal) {
+            return memmem(text, length, literal.constData(), static_cast<size_t>(literal.size()));
+        });
     });
 }
 

@@ -22,11 +22,11 @@ public:
     bool mayMatch(const char* text, size_t length) const;
     /// Whether mayMatch() is the verdict already: the expression is nothing but one literal text.
     bool isWhole() const { return whole; }
-    /// Empty where nothing is required.
-    const QList<QByteArray>& alternatives() const { return texts; }
+    /// Of each of these sets every match contains at least one text.
+    const QList<QList<QByteArray>>& required() const { return sets; }
 
 private:
-    QList<QByteArray> texts;
+    QList<QList<QByteArray>> sets;
     bool whole = false;
 };
 

@@ -231,8 +231,8 @@ void TestPackageTableModel::paintsByStateAndPalerIfDisabled()
     for (int column = ColumnKind; column < ColumnCount; ++column) {
         QCOMPARE(colour(0, column), QColor(Colors::error()));
         QCOMPARE(colour(1, column), QColor(Colors::minor()));
-        QVERIFY(cell(2, column).data(Qt::ForegroundRole).isValid());
-        QVERIFY(!colour(2, column).isValid());
+        // The palette's own, which differs between themes.
+        QVERIFY(!cell(2, column).data(Qt::ForegroundRole).isValid());
     }
     model->setEnabled(false);
     QCOMPARE(colour(0, ColumnName), QColor(Colors::errorDisabled()));

@@ -37,62 +37,62 @@ void TestRequiredLiteral::initTestCase()
 void TestRequiredLiteral::findsWhatEveryMatchContains_data()
 {
     QTest::addColumn<QByteArray>("expression");
-    QTest::addColumn<QList<QByteArray>>("texts");
+    QTest::addColumn<QList<QList<QByteArray>>>("texts");
     QTest::addColumn<bool>("whole");
 
-    const auto add = [](const char* expression, const QList<QByteArray>& texts,
+    const auto add = [](const char* expression, const QList<QList<QByteArray>>& texts,
                         bool whole = false) {
         QTest::newRow(expression) << QByteArray(expression) << texts << whole;
     };
-    add("glibc", {"glibc"}, true);
-    add("lib/x86-64,~", {"lib/x86-64,~"}, true);
-    add("na\xc3\xafve", {"na\xc3\xafve"}, true);
+    add("glibc", {{"glibc"}}, true);
+    add("lib/x86-64,~", {{"lib/x86-64,~"}}, true);
+    add("na\xc3\xafve", {{"na\xc3\xafve"}}, true);
     add("", {});
     add(".", {});
-    add("ab.cde", {"cde"});
-    add("abc.de", {"abc"});
-    add("^abc$", {"abc"});
-    add("abc*", {"ab"});
-    add("abc+d", {"abc"});
-    add("abc?", {"ab"});
-    add("abc{0,1}", {"ab"});
-    add("abc+*", {"ab"});
-    add("abc+?", {"ab"});
-    add("x\xc3\xa9*", {"x"});
+    add("ab.cde", {{"ab"}, {"cde"}});
+    add("README.*GPL", {{"README"}, {"GPL"}});
+    add("^abc$", {{"abc"}});
+    add("abc*", {{"ab"}});
+    add("abc+d", {{"abc"}, {"d"}});
+    add("abc?", {{"ab"}});
+    add("abc{0,1}", {{"ab"}});
+    add("abc+*", {{"ab"}});
+    add("abc+?", {{"ab"}});
+    add("x\xc3\xa9*", {{"x"}});
     add("\xc3\xa9?", {});
-    add("a\\.b", {"a.b"});
-    add("a\\+\\+", {"a++"});
-    add("ab\\wcde", {"cde"});
-    add("ab\\bcde", {"cde"});
-    add("(ab)\\1cde", {"cde"});
-    add("[abc]de", {"de"});
-    add("[]abc]de", {"de"});
-    add("[^]abc]de", {"de"});
-    add("[[:alpha:]]de", {"de"});
-    add("[[:alpha:]]]de", {"]de"});
-    add("[[.].]abc]de", {"de"});
-    add("[a\\]de", {"de"});
-    add("abc|de", {"abc", "de"});
+    add("a\\.b", {{"a.b"}});
+    add("a\\+\\+", {{"a++"}});
+    add("ab\\wcde", {{"ab"}, {"cde"}});
+    add("ab\\bcde", {{"ab"}, {"cde"}});
+    add("(ab)\\1cde", {{"ab"}, {"cde"}});
+    add("[abc]de", {{"de"}});
+    add("[]abc]de", {{"de"}});
+    add("[^]abc]de", {{"de"}});
+    add("[[:alpha:]]de", {{"de"}});
+    add("[[:alpha:]]]de", {{"]de"}});
+    add("[[.].]abc]de", {{"de"}});
+    add("[a\\]de", {{"de"}});
+    add("abc|de.f", {{"abc", "de"}});
     add("abc|", {});
     add("abc|.", {});
-    add("(abc|def)g", {"abc", "def"});
-    add("(abc|def)?g", {"g"});
+    add("(abc|def)g", {{"abc", "def"}, {"g"}});
+    add("(abc|def)?g", {{"g"}});
     add("(abc|def)*", {});
-    add("(abc|def)+", {"abc", "def"});
-    add("(a(bc)d)xyz", {"xyz"});
-    add("(abc(def|ghi)|jkl)m", {"abc", "jkl"});
-    add("(a|b|c|d|e|f|g|h|i)j", {"j"});
-    add("a)|b", {"a", "b"});
+    add("(abc|def)+", {{"abc", "def"}});
+    add("(a(bc)d)xyz", {{"a"}, {"bc"}, {"d"}, {"xyz"}});
+    add("(abc(def|ghi)|jkl)m", {{"abc", "jkl"}, {"m"}});
+    add("(a|b|c|d|e|f|g|h|i)j", {{"j"}});
+    add("a)|b", {{"a", "b"}});
 }
 
 void TestRequiredLiteral::findsWhatEveryMatchContains()
 {
     QFETCH(QByteArray, expression);
-    QFETCH(QList<QByteArray>, texts);
+    QFETCH(QList<QList<QByteArray>>, texts);
     QFETCH(bool, whole);
 
     const RequiredLiteral literal(expression);
-    QCOMPARE(literal.alternatives(), texts);
+    QCOMPARE(literal.required(), texts);
     QCOMPARE(literal.isWhole(), whole);
 }
 
