@@ -1,0 +1,86 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""Prints the table of figures of `scripts/bench`, each beside its floor and what it should be.
+
+Usage: report.py FOLDER        with the files cold, warm1, warm2 ... and search
+"""
+import pathlib
+import statistics
+import sys
+
+
+def read(path):
+    """Figures of one run: name to value."""
+    figures = {}
+    for line in path.read_text().splitlines():
+        name, value, _unit = line.split('\t')
+        figures[name] = float(value)
+    return figures
+
+
+def median(runs, name):
+    return statistics.median(run[name] for run in runs)
+
+
+def rows(cold, warm, search):
+    """(what, value, unit, floor or None, what it is measured by, limit) for each line."""
+    warm_floor = median(warm, 'bare.total')
+    yield ('collection, warm: to rows', median(warm, 'collect.to-rows'), 'ms', warm_floor,
+           'ratio', 2.0)
+    yield ('collection, cold: to rows', cold['collect.to-rows'], 'ms', cold['bare.total'],
+           'ratio', 1.3)
+    yield ('  of which in the engine, warm', median(warm, 'collect.engine'), 'ms', None, '', None)
+    yield ('GUI thread silent, warm', max(run['collect.gui-gap'] for run in warm), 'ms', None,
+           'value', 100)
+    yield ('GUI thread silent, cold', cold['collect.gui-gap'], 'ms', None, 'value', 100)
+    yield ('peak memory, collection', median(warm, 'memory.peak-after-collection'), 'MB',
+           median(warm, 'bare.peak'), 'difference', 200)
+    yield ('peak memory, cold collection', cold['memory.peak-after-collection'], 'MB',
+           cold['bare.peak'], 'difference', 200)
+    yield ('peak memory, search', search['memory.peak-after-search'], 'MB',
+           median(warm, 'bare.peak'), 'difference', 200)
+    for name, what, limit in (
+            ('table.filter-literal', 'filter on Return, a word', 100),
+            ('table.filter-regexp', 'filter on Return, an expression', 100),
+            ('table.filter-all', 'filter on Return, all rows', 100),
+            ('table.state-installable', 'state filter to installable', 300),
+            ('table.state-all', 'state filter to all', 300),
+            ('table.sort-column-3', 'sort by name', 300),
+            ('table.sort-column-4', 'sort by version', 300),
+            ('table.sort-column-7', 'sort by size', 300),
+            ('table.sort-column-8', 'sort by build time', 300),
+            ('table.sort-column-1', 'sort by state', 300),
+            ('table.resize-columns', 'column resize', 300)):
+        yield (what, median(warm, name), 'ms', None, 'value', limit)
+    yield ('file lists, loading', search['search.load-file-lists'], 'ms', None, '', None)
+    yield ('GUI thread silent, file lists', search['search.load-file-lists-gui-gap'], 'ms', None,
+           'value', 100)
+    yield ('change logs, loading', search['search.load-other-data'], 'ms', None, '', None)
+    number = 1
+    while 'grep.pattern-%d' % number in search:
+        yield ('search, pattern %d (%d rows)' % (number, search['search.pattern-%d.rows' % number]),
+               search['search.pattern-%d' % number], 'ms', search['grep.pattern-%d' % number],
+               'ratio', 10.0)
+        number += 1
+
+
+def main(folder):
+    folder = pathlib.Path(folder)
+    cold = read(folder / 'cold')
+    warm = [read(path) for path in sorted(folder.glob('warm*'))]
+    search = read(folder / 'search')
+    print('%d rows, %d warm runs' % (cold['collect.rows'], len(warm)))
+    form = '%-36s %10s %10s  %-4s %10s %8s  %s'
+    print(form % ('figure', 'value', 'floor', 'unit', 'measure', 'limit', ''))
+    for what, value, unit, floor, kind, limit in rows(cold, warm, search):
+        measured = {'ratio': lambda: value / floor, 'difference': lambda: value - floor,
+                    'value': lambda: value, '': lambda: None}[kind]()
+        print((form % (what, '%.1f' % value, '-' if floor is None else '%.1f' % floor, unit,
+                       '-' if measured is None else '%.2f' % measured,
+                       '-' if limit is None else '%g' % limit,
+                       '' if limit is None or measured <= limit else 'over')).rstrip())
+
+
+if __name__ == '__main__':
+    if len(sys.argv) != 2:
+        sys.exit(__doc__)
+    main(sys.argv[1])
