@@ -119,7 +119,7 @@ YumIO::~YumIO()
         PyGILStateWrapper lock(true);
         if (Python::initialized)
             py("import sys\nsys.stdout = sys.__stdout__\nsys.stderr = sys.__stderr__\n");
-        if (yumLocked) {
+        if (yumLocked && yumIO) {
             pyExceptStart();
             pyExceptExpect(lockError);
             const PyRef result = pyMethodCall(yumIO, "unlock", "()");
@@ -235,6 +235,8 @@ void YumIO::clear()
     if (yumIO) {
         PyGILStateWrapper lock(true);
         pyMethodCall(yumIO, "flush", "()");
+        // Whatever became of it, the next object is made with nothing pending.
+        PyErr_Clear();
     }
     clearEntries();
     if (yumIOClass) {

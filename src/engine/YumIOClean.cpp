@@ -101,13 +101,9 @@ bool YumIO::hasMultiProgress()
 bool YumIO::cleanStep(const char* method)
 {
     const PyRef result = pyMethodCall(yumIO, method, "()");
-    if (!result || !PyTuple_Check(result.get()) || PyTuple_GET_SIZE(result.get()) < 1)
-        return false;
-    const long code = PyLong_AsLong(PyTuple_GET_ITEM(result.get(), 0));
-    if (PyErr_Occurred()) {
-        PyErr_Clear();
-        return false;
-    }
+    const bool coded = result && PyTuple_Check(result.get()) && PyTuple_GET_SIZE(result.get()) > 0;
+    const long code = coded ? PyLong_AsLong(PyTuple_GET_ITEM(result.get(), 0)) : -1;
+    PyErr_Clear();
     return code == 0;
 }
 

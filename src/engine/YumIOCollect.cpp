@@ -100,7 +100,7 @@ bool YumIO::collectReal(const QHash<QString, bool>& usedRepos)
     progress->startTotal(tr("Initializing: Total Progress"), collectSteps);
     progress->startItem(tr("Preparing"), 100, 1);
 
-    if (!yumLocked) {
+    if (!yumLocked && yumIO) {
         pyExceptStart();
         pyExceptExpect(lockError);
         const PyRef result = pyMethodCall(yumIO, "lock", "()");
@@ -114,7 +114,8 @@ bool YumIO::collectReal(const QHash<QString, bool>& usedRepos)
 
     ClearAtEnd reposDictEnd(reposDict);
     {
-        const PyRef repos = PyRef::adopt(PyObject_GetAttrString(yumIO, "repos"));
+        // There is no object where it could not be made anew.
+        const PyRef repos = PyRef::adopt(yumIO ? PyObject_GetAttrString(yumIO, "repos") : nullptr);
         Py_XSETREF(reposDict, repos ? PyObject_GetAttrString(repos.get(), "repos") : nullptr);
         if (!reposDict) {
             PyErr_Clear();
@@ -338,6 +339,8 @@ bool YumIO::collectSet(EntryHash& hash, PyObject* iterable, Package::State state
             if (better.get() == Py_True) {
                 slot->duplicate = true;
             } else {
+                if (!better)
+                    PyErr_Clear();
                 best.value()->duplicate = true;
                 best.value() = slot;
             }
@@ -395,7 +398,10 @@ Package::Kind YumIO::getPkgKind(PyObject* package)
 void YumIO::collectPkgFields(Package::Entry& entry, PyObject* package)
 {
     entry.kind = getPkgKind(package);
-    entry.verRel = pyStringDec(pyMethodCall(package, "printVer", "()").release());
+    const PyRef version = pyMethodCall(package, "printVer", "()");
+    if (!version)
+        PyErr_Clear();
+    entry.verRel = pyString(version.get());
     entry.repo = shared(simpleString(package, "repoid"));
     entry.sizeBytes = sizeOf(package);
     entry.summary = simpleString(package, "summary");
@@ -430,18 +436,6 @@ bool YumIO::readRow(PyObject* tuple, PackageRow& row)
     row.name = pyString(row.field(PackageRow::Name));
     row.arch = shared(pyString(row.field(PackageRow::Arch)));
     return true;
-}
-
-QString YumIO::simpleText(PyObject* value)
-{
-    if (value == Py_None)
-        return QString();
-    QString text = pyStringX(value);
-    int length = text.size();
-    while (length > 0 && text.at(length - 1) == QLatin1Char('\n'))
-        --length;
-    text.truncate(length);
-    return text;
 }
 
 QString YumIO::shared(const QString& word)

@@ -205,6 +205,8 @@ QString YumIO::getConditionalPkgs(const Package::Entry& entry)
 QString YumIO::getYumVar(const QString& name)
 {
     PyGILStateWrapper lock(true);
+    if (!yumIO)
+        return QString();
     PyRef conf = PyRef::adopt(PyObject_GetAttrString(yumIO, "conf"));
     PyRef variables = PyRef::adopt(conf ? PyObject_GetAttrString(conf.get(), "yumvar") : nullptr);
     PyRef value = PyRef::adopt(

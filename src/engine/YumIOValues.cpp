@@ -148,9 +148,14 @@ QString YumIO::simpleString(PyObject* object, const char* field)
     pyExceptExpect(PyExc_KeyError);
     const PyRef value = pyMethodCall(object, "returnSimple", "(s)", field);
     pyExceptClear();
-    if (!value || value.get() == Py_None)
+    return value ? simpleText(value.get()) : QString();
+}
+
+QString YumIO::simpleText(PyObject* value)
+{
+    if (value == Py_None)
         return QString();
-    QString text = pyStringX(value.get());
+    QString text = pyStringX(value);
     int length = text.size();
     while (length > 0 && text.at(length - 1) == QLatin1Char('\n'))
         --length;
@@ -165,6 +170,8 @@ QString YumIO::getBiArch(const QString& arch)
         return known.value();
     const PyRef word = pyMethodCall(yumIO, "getBiArch", "(s)", arch.toUtf8().constData());
     // A failure has been reported and is kept as well: one report a word, not one a package.
+    if (!word)
+        PyErr_Clear();
     const QString text = word ? pyString(word.get()) : QString();
     biArchWords.insert(arch, text);
     return text;
@@ -206,7 +213,10 @@ quint64 YumIO::sizeOf(PyObject* package)
 
 long YumIO::buildTimeOf(PyObject* package)
 {
-    return pyTimeDec(pyMethodCall(package, "returnSimple", "(s)", "buildtime").release());
+    const PyRef time = pyMethodCall(package, "returnSimple", "(s)", "buildtime");
+    if (!time)
+        PyErr_Clear();
+    return pyTime(time.get());
 }
 
 QString YumIO::bytesFormat(unsigned long long bytes)
