@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
+#include "engine/PyText.h"
 #include "progress/Progress.h"
 
 #include <QRegularExpression>
@@ -45,7 +46,7 @@ QString YumIO::progressText(PyObject* object, const QString& message)
 {
     if (object == Py_None)
         return QString();
-    if (PyUnicode_Check(object) || PyBytes_Check(object))
+    if (PyText::check(object))
         return pyString(object);
     error(message);
     return QString();
@@ -98,7 +99,7 @@ PyObject* YumIO::collectGrabMeterStart(PyObject*, PyObject* args)
     }
 
     QString name = progressText(filename, tr("Internal error: unexpected progress filename"));
-    const bool fromText = name.isEmpty() && (PyUnicode_Check(text) || PyBytes_Check(text));
+    const bool fromText = name.isEmpty() && PyText::check(text);
     if (fromText)
         name = pyString(text);
     const QString file = afterLastSlash(name);
@@ -338,9 +339,7 @@ void YumIO::collectUpdate(void* meter, long value)
 
 void YumIO::collectEnd(void* meter, long value)
 {
-    if (!progress)
-        return;
-    if (!collectState.multiActive)
+    if (!progress || !collectState.multiActive)
         return;
     unsigned int slot = 0;
     if (!batchSlot(meter, tr("Internal error: End: unexpected thread %1 > total files %2\n"), slot))
@@ -353,9 +352,7 @@ void YumIO::collectEnd(void* meter, long value)
 
 void YumIO::collectFailure(void* meter)
 {
-    if (!progress)
-        return;
-    if (!collectState.multiActive)
+    if (!progress || !collectState.multiActive)
         return;
     unsigned int slot = 0;
     if (!batchSlot(meter, tr("Internal error: Failure: unexpected thread %1 > total files %2\n"),
