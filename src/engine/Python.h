@@ -71,21 +71,30 @@ public:
     /// Ends the interpreter if it was started.
     virtual ~Python();
 
+    /// Opens a scope of expected exceptions; every one is closed by exactly one pyExceptClear(),
+    /// which also drops what is pending.
     virtual void pyExceptStart();
     /// `exception` is borrowed and must live until the matching pyExceptClear().
     virtual void pyExceptExpect(PyObject* exception);
     virtual void pyExceptClear();
+    /// Whether a call that gave `result` failed by an exception of this class, still pending.
     virtual bool pyExceptMatches(PyObject* result, PyObject* exception);
     virtual void error(const char* message) = 0;
     virtual void warning(const char* message) = 0;
+    /// Leaves an exception that the innermost scope expects pending; any other is reported as an
+    /// internal error and cleared.
     virtual void handleException();
+    /// Hook: an expected exception has been met and stays pending.
     virtual void exceptionExpected();
+    /// Clears the pending exception and reports it, its walkback to the script's `sys.stderr`.
     virtual void exceptionError();
 
     /// Starts the interpreter, once a process; the calling thread then holds the lock. False, after
     /// a report, where the main module can't be had.
     bool initialize();
 
+    /// Runs statements, or gives the value of an expression, in the main module. The forms with an
+    /// "f" format the code as printf() does.
     void py(const char* code);
     PyRef pyr(const char* code);
     void pyf(const char* format, ...) __attribute__((format(printf, 2, 3)));
@@ -95,7 +104,9 @@ public:
     /// (no report), for null and for any other type (reported).
     const char* pyString(PyObject* object);
 
-    /// Calls take a Py_BuildValue format that gives a tuple: "()" or "(O,s)".
+    /// Calls a function by dotted name, or a method. They take a Py_BuildValue format that gives a
+    /// tuple: "()" or "(O,s)". A method that is missing leaves the AttributeError pending, besides
+    /// the report.
     PyRef pyCall(const char* name, const char* format, ...);
     PyRef pyVCall(const char* name, const char* format, va_list arguments);
     PyRef pyMethodCall(PyObject* self, const char* method, const char* format, ...);
@@ -104,7 +115,9 @@ public:
     /// Object of a dotted name: main module's globals or an import first, then module dictionaries.
     /// Borrowed: modules and their dictionaries keep it alive.
     PyObject* pyLookup(const char* name, bool quiet);
+    /// A name in a module; borrowed. Null without a word where only the name is missing.
     PyObject* pyValue(const char* module, const char* name);
+    /// Binds a name in a module, or in the main one; the dictionary takes a reference of its own.
     void pyAssign(const char* module, const char* name, PyObject* value);
     void pyAssignGlobal(const char* name, PyObject* value);
 
@@ -120,7 +133,7 @@ public:
     /// Developer's aid: binds `object` to the global `dbg` and enters the debugger.
     void pyDebug(PyObject* object);
 
-    /// Python's own SIGINT handler, or the system's default.
+    /// Sets Python's own SIGINT handler, or the system's default.
     void setEnablePythonSIGINTHandler(bool enable);
 
 protected:

@@ -29,12 +29,12 @@ namespace Progress
 class Object;
 }
 
-/// The one engine object: loads the script, owns all package entries and the log, and runs every long
-/// operation on a work thread while the GUI thread spins a local event loop. Failures are reported in a
-/// dialog and the log and give false, null or an empty text; nothing throws.
+/// The one engine object: loads the script, owns all package entries and the log, and runs every
+/// long operation on a work thread while the GUI thread spins a local event loop. Failures are
+/// reported in a dialog and the log and give false, null or an empty text; nothing throws.
 ///
-/// Unless stated otherwise members are for the GUI thread. Each group below is headed by the file that
-/// it lives in.
+/// Unless stated otherwise members are for the GUI thread. Each group below is headed by the file
+/// that it lives in.
 class YumIO : public QObject, protected Python
 {
     Q_OBJECT
@@ -88,21 +88,28 @@ public:
         RepoAct act = ActMirrorList;
     };
 
-    // ---- YumIO.cpp: life, work threads -------------------------------------------------------------
+    // ---- YumIO.cpp: life, work threads
+    // -------------------------------------------------------------
 
     YumIO();
     ~YumIO() override;
 
-    /// Gives the engine its dialogs' parent and the two bars; none is owned. Once, before initialize().
+    /// Gives the engine its dialogs' parent and the two bars; none is owned. Once, before
+    /// initialize().
     void setup(QWidget* parent, HProgressBar* total, HProgressBar* item);
     /// Starts the interpreter and the script. A second call with a live script object does nothing.
     bool initialize();
     /// Throws the script's object and all entries away and makes a new one.
     void clear();
+    /// Drops all entries on a work thread, and with them the references to the script's objects.
     void clearEntries();
     /// Drops all entries without touching the interpreter, which is about to go.
     void clearEntriesBeforeQuit();
+    /// Fills the rows anew. `usedRepos` says of repositories, by id, whether this run uses them;
+    /// one that isn't named is used as configured. Blocks in a local event loop, as the two below
+    /// do.
     bool collect(const QHash<QString, bool>& usedRepos);
+    /// Load the file lists or change logs of the repositories, once a collection.
     bool collectFileLists();
     bool collectOtherData();
 
@@ -110,7 +117,10 @@ public:
     bool areFileListsCollected() const { return fileListsCollected; }
     bool areOtherDataCollected() const { return otherDataCollected; }
 
-    // ---- YumIOEntries.cpp: the rows ----------------------------------------------------------------
+    // ---- YumIOEntries.cpp: the rows
+    // ----------------------------------------------------------------
+
+    // There are none while entries are being cleared.
 
     int count() const;
     Package::EntryList::const_iterator begin() const;
@@ -153,7 +163,8 @@ public:
     /// A variable of the package manager, such as "basearch".
     QString getYumVar(const QString& name);
 
-    // ---- YumIOExtra.cpp: file lists, change logs, relations ----------------------------------------
+    // ---- YumIOExtra.cpp: file lists, change logs, relations
+    // ----------------------------------------
 
     /// One path a line, sorted. May load the file lists first, which spins a local event loop.
     QString getFiles(const Package::Entry& entry);
@@ -162,7 +173,8 @@ public:
     /// May load the change logs first, which spins a local event loop.
     QString getChangeLog(const Package::Entry& entry);
 
-    // ---- YumIOClean.cpp: caches and capabilities ---------------------------------------------------
+    // ---- YumIOClean.cpp: caches and capabilities
+    // ---------------------------------------------------
 
     QString yumVersionStr();
     /// major * 10000 + minor * 100 + patch.
@@ -175,6 +187,8 @@ public:
     bool usesPresto();
     bool hasMultiProgress();
 
+    // These hold the interpreter lock to their end, without an event loop. True on success.
+
     bool cleanHeaders();
     bool cleanPackages();
     bool cleanXmlMetadata();
@@ -182,21 +196,26 @@ public:
     bool cleanSqliteCache();
     bool cleanAll();
 
-    // ---- YumIOReport.cpp: failures and the log; any thread -----------------------------------------
+    // ---- YumIOReport.cpp: failures and the log; any thread
+    // -----------------------------------------
 
+    /// One log entry a line of `text`.
     void log(Log::Kind kind, unsigned int level, const QString& text);
+    /// Log the text and show it in a box. They come back when the user has closed that.
     void error(const QString& text);
     void warning(const QString& text);
     void error(const char* message) override;
     void warning(const char* message) override;
 
-    // ---- YumIOCapture.cpp: captured output ---------------------------------------------------------
+    // ---- YumIOCapture.cpp: captured output
+    // ---------------------------------------------------------
 
+    /// A piece of output; what is behind its last newline waits for the next piece.
     void writeStdout(const QString& text);
     void writeStderr(const QString& text);
 
-    // ---- Called by the script through module yumIOC (YumIOC.cpp), on the thread that runs the script.
-    // Each takes the arguments tuple and gives a new reference, or null with TypeError set.
+    // ---- Called by the script through module yumIOC (YumIOC.cpp), on the thread that runs the
+    // script. Each takes the arguments tuple and gives a new reference, or null with TypeError set.
 
     PyObject* stdoutWrite(PyObject* self, PyObject* args);
     PyObject* stderrWrite(PyObject* self, PyObject* args);
@@ -213,9 +232,11 @@ public:
     PyObject* collectGrabMultiMeterEnd(PyObject* self, PyObject* args);
 
 Q_SIGNALS:
+    /// File lists or change logs have been loaded. Comes while the work thread may still run.
     void collectedExtraData();
 
 public Q_SLOTS:
+    /// Lets the prepared work thread go on.
     void blockerRelease();
 
 protected:
@@ -240,7 +261,8 @@ protected:
     class CollectOtherDataThread;
     class ClearEntriesThread;
 
-    // ---- YumIO.cpp ---------------------------------------------------------------------------------
+    // ---- YumIO.cpp
+    // ---------------------------------------------------------------------------------
 
     /// The one place that spins a local event loop while work runs.
     void execWorkThread(QEventLoop& loop, QThread& thread);
@@ -255,7 +277,8 @@ protected:
     /// Reports why initialize() fails, whatever is pending first; false.
     bool initializeFailed(const QString& text);
 
-    // ---- YumIOCollect.cpp: collection; work thread, lock held --------------------------------------
+    // ---- YumIOCollect.cpp: collection; work thread, lock held
+    // --------------------------------------
 
     bool collectReal(const QHash<QString, bool>& usedRepos);
     void useRepos(PyObject* repos, const QHash<QString, bool>& usedRepos);
@@ -271,20 +294,20 @@ protected:
                     const PackageRow& row);
     void collectPkgFields(Package::Entry& entry, PyObject* package);
     void collectPkgFields(Package::Entry& entry, PyObject* package, const PackageRow& row);
-    /// What simpleString() makes of the answer of returnSimple().
-    QString simpleText(PyObject* value);
     /// One shared copy of a word that many rows have.
     QString shared(const QString& word);
 
-    // ---- YumIOFind.cpp: entries by name ------------------------------------------------------------
+    // ---- YumIOFind.cpp: entries by name
+    // ------------------------------------------------------------
 
     Package::Entry* findPackage(const QString& name);
     Package::Entry* findPackage(const QString& name, bool (YumIO::*predicate)(Package::Entry*));
-    /// The slot of entryHash that a package of this name and architecture belongs to; made where absent,
-    /// holding null then.
+    /// The slot of entryHash that a package of this name and architecture belongs to; made where
+    /// absent, holding null then.
     Package::Entry*& findUpdateablePackage(const QString& name, const QString& arch);
 
-    // ---- YumIOGroups.cpp: groups -------------------------------------------------------------------
+    // ---- YumIOGroups.cpp: groups
+    // -------------------------------------------------------------------
 
     bool collectGroups(EntryHash& hash, PyObject* holder);
     bool collectGroup(Package::Entry*& slot, PyObject* group, const QString& name);
@@ -298,7 +321,8 @@ protected:
     QString getGroupGrps(const Package::Entry& entry, const char* field);
     QString getGroupPkgs(const Package::Entry& entry, const char* field22, const char* field25);
 
-    // ---- YumIOExtra.cpp ----------------------------------------------------------------------------
+    // ---- YumIOExtra.cpp
+    // ----------------------------------------------------------------------------
 
     bool collectFileListsReal();
     bool collectOtherDataReal();
@@ -317,8 +341,9 @@ protected:
     QString makeSorted(QStringList& list);
     QString makeSortedUniq(QStringList& list);
 
-    // ---- YumIOValues.cpp: interpreter values; lock held --------------------------------------------
-    // Those with "Dec" in their names release the reference that they are given.
+    // ---- YumIOValues.cpp: interpreter values; lock held
+    // -------------------------------------------- Those with "Dec" in their names release the
+    // reference that they are given.
 
     QString pyString(PyObject* object);
     QString pyStringDec(PyObject* object);
@@ -331,6 +356,8 @@ protected:
     const char* pyDescribe(PyObject* object);
     /// A field of a package by name; empty where the package hasn't got it. Takes the lock itself.
     QString simpleString(PyObject* object, const char* field);
+    /// What simpleString() makes of the answer of returnSimple().
+    QString simpleText(PyObject* value);
     /// The script's family word of an architecture; asked once a word.
     QString getBiArch(const QString& arch);
     quint64 sizeOf(PyObject* package);
@@ -342,20 +369,24 @@ public:
     static QString timeFormat(long time);
 
 protected:
-    // ---- YumIOClean.cpp ----------------------------------------------------------------------------
+    // ---- YumIOClean.cpp
+    // ----------------------------------------------------------------------------
 
     /// True where the script's method gives a tuple that begins with 0.
     bool cleanStep(const char* method);
 
-    // ---- YumIOProgress.cpp: collection progress; work thread ---------------------------------------
+    // ---- YumIOProgress.cpp: collection progress; work thread
+    // ---------------------------------------
 
-    /// Name of a step or file that the script passes: text, or none. Anything else reports `message`.
+    /// Name of a step or file that the script passes: text, or none. Anything else reports
+    /// `message`.
     QString progressText(PyObject* object, const QString& message);
     /// The act number of a step that follows act number `from`.
     int actNumber(int from, int act);
     QString actText(RepoAct act, const QString& name);
     void setupBatch(const QString& name, RepoAct act);
-    /// Slot of a running download of the batch; false after a report where the batch has no such slot.
+    /// Slot of a running download of the batch; false after a report where the batch has no such
+    /// slot.
     bool batchSlot(void* meter, const QString& message, unsigned int& slot);
     void resetCollectState();
 
@@ -364,7 +395,8 @@ protected:
     void collectEnd(void* meter, long value);
     void collectFailure(void* meter);
 
-    // ---- YumIOReport.cpp ---------------------------------------------------------------------------
+    // ---- YumIOReport.cpp
+    // ---------------------------------------------------------------------------
 
     void commExceptSetup();
     bool commExceptRaised(PyObject* result, const QString& action);
@@ -373,7 +405,8 @@ protected:
     void pyExceptExpect(PyObject* exception) override;
     void pyExceptClear() override;
     void exceptionExpected() override;
-    /// Where the present exception scope's lines begin in the log, or its end where there is no scope.
+    /// Where the present exception scope's lines begin in the log, or its end where there is no
+    /// scope.
     int exceptionMark();
     /// Shows the error lines of the log from `mark` on.
     void showErrorsSince(int mark);
@@ -383,11 +416,13 @@ protected:
     void sigchldDisable();
     void sigchldRestore();
 
-    // ---- YumIOCapture.cpp --------------------------------------------------------------------------
+    // ---- YumIOCapture.cpp
+    // --------------------------------------------------------------------------
 
     void write(const QString& text, Log::Kind kind, unsigned int level, QString& partial);
 
-    // ---- Fields ------------------------------------------------------------------------------------
+    // ---- Fields
+    // ------------------------------------------------------------------------------------
 
     Package::EntryList entries;
     Package::EntryList noEntries; ///< stays empty; stands in for `entries` while they are torn down
@@ -401,8 +436,8 @@ protected:
     bool fileListsCollected = false;
     bool otherDataCollected = false;
     QWidget* parentWidget = nullptr;
-    YumIODialogs* dialogs = nullptr;    ///< of the thread that runs the engine; not owned
-    YumIODialogs* guiDialogs = nullptr; ///< of the GUI thread; owned
+    YumIODialogs* dialogs = nullptr;     ///< of the thread that runs the engine; not owned
+    YumIODialogs* guiDialogs = nullptr;  ///< of the GUI thread; owned
     YumIOCapturers* capturers = nullptr; ///< set only within a capture scope
     PyObject* rpmDict = nullptr;         ///< borrowed from module rpm
     PyObject* yumIOClass = nullptr;      ///< borrowed from the main module
@@ -422,8 +457,8 @@ protected:
     PyObject* lockError = nullptr;
     PyObject* groupsError = nullptr;
     PyObject* noMoreMirrorsRepoError = nullptr;
-    /// Guards the two below: the script's streams and the captured descriptors both end there. Taken
-    /// before the log's mutex, and held across nothing else.
+    /// Guards the two below: the script's streams and the captured descriptors both end there.
+    /// Taken before the log's mutex, and held across nothing else.
     QMutex partialMutex;
     QString stdoutPartial, stderrPartial; ///< output not yet ended by a newline
     Log::Kind stderrKind = Log::Error;
@@ -459,8 +494,8 @@ protected:
     Blocker blocker;
 
 private:
-    QHash<QString, QString> biArchWords; ///< answers of getBiArch
-    QSet<QString> sharedWords;           ///< repository ids and architectures of the rows
+    QHash<QString, QString> biArchWords;       ///< answers of getBiArch
+    QSet<QString> sharedWords;                 ///< repository ids and architectures of the rows
     QSet<const Package::Entry*> groupsVisited; ///< groups whose sub-groups are being looked at
 };
 

@@ -28,9 +28,11 @@ public:
     int critical(const QString& title, const QString& text, const QString& button0,
                  const QString& button1, const QString& button2, int defaultButton,
                  int escapeButton);
+    /// A text of any length, with one button.
     void scrollable(const QString& title, const QString& text);
 
 public Q_SLOTS:
+    /// The answer, which ends the wait.
     void setResult(int value);
 
 Q_SIGNALS:
