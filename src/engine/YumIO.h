@@ -13,6 +13,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <atomic>
 #include <csignal>
 #include <functional>
 #include <vector>
@@ -430,7 +431,7 @@ protected:
     QString basearch;
     QHash<QString, Package::Entry*> bestByName;
     QSet<QString> biArchs;
-    bool clearingEntries = false;
+    std::atomic<bool> clearingEntries{false}; ///< set on the GUI thread, cleared by the work thread
     Log::EntryList logEntries;
     int exceptLogStart = -1; ///< log length when an exception was last expected; -1 for none
     bool fileListsCollected = false;
