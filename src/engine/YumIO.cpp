@@ -8,6 +8,7 @@
 
 #include <QEventLoop>
 #include <QFile>
+#include <QScopedValueRollback>
 #include <QThread>
 #include <QTimer>
 
@@ -232,6 +233,8 @@ void YumIO::makeScriptObject()
 
 void YumIO::clear()
 {
+    if (working)
+        return;
     if (yumIO) {
         PyGILStateWrapper lock(true);
         pyMethodCall(yumIO, "flush", "()");
@@ -251,6 +254,8 @@ void YumIO::clear()
 
 void YumIO::clearEntries()
 {
+    if (working)
+        return;
     // Set before the thread starts: the table sees no rows as soon as the local loop's events run.
     clearingEntries = true;
     QEventLoop loop;
@@ -336,6 +341,10 @@ bool YumIO::collectOtherData()
 
 void YumIO::execWorkThread(QEventLoop& loop, QThread& thread)
 {
+    // A window that is open meanwhile may ask for something that takes work too.
+    if (working)
+        return;
+    const QScopedValueRollback<bool> workingHere(working, true);
     // The work function starts by passing the gate, so that it can't end the loop before the loop
     // runs.
     blocker.prepare();

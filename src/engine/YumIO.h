@@ -34,6 +34,8 @@ class Object;
 /// long operation on a work thread while the GUI thread spins a local event loop. Failures are
 /// reported in a dialog and the log and give false, null or an empty text; nothing throws.
 ///
+/// One long operation runs at a time; one that is asked for meanwhile fails without a word.
+///
 /// Unless stated otherwise members are for the GUI thread. Each group below is headed by the file
 /// that it lives in.
 class YumIO : public QObject, protected Python
@@ -89,8 +91,7 @@ public:
         RepoAct act = ActMirrorList;
     };
 
-    // ---- YumIO.cpp: life, work threads
-    // -------------------------------------------------------------
+    // ---- YumIO.cpp: life, work threads ----------------------------------------------------------
 
     YumIO();
     ~YumIO() override;
@@ -118,8 +119,7 @@ public:
     bool areFileListsCollected() const { return fileListsCollected; }
     bool areOtherDataCollected() const { return otherDataCollected; }
 
-    // ---- YumIOEntries.cpp: the rows
-    // ----------------------------------------------------------------
+    // ---- YumIOEntries.cpp: the rows -------------------------------------------------------------
 
     // There are none while entries are being cleared.
 
@@ -164,8 +164,7 @@ public:
     /// A variable of the package manager, such as "basearch".
     QString getYumVar(const QString& name);
 
-    // ---- YumIOExtra.cpp: file lists, change logs, relations
-    // ----------------------------------------
+    // ---- YumIOExtra.cpp: file lists, change logs, relations -------------------------------------
 
     /// One path a line, sorted. May load the file lists first, which spins a local event loop.
     QString getFiles(const Package::Entry& entry);
@@ -174,8 +173,7 @@ public:
     /// May load the change logs first, which spins a local event loop.
     QString getChangeLog(const Package::Entry& entry);
 
-    // ---- YumIOClean.cpp: caches and capabilities
-    // ---------------------------------------------------
+    // ---- YumIOClean.cpp: caches and capabilities ------------------------------------------------
 
     QString yumVersionStr();
     /// major * 10000 + minor * 100 + patch.
@@ -197,8 +195,7 @@ public:
     bool cleanSqliteCache();
     bool cleanAll();
 
-    // ---- YumIOReport.cpp: failures and the log; any thread
-    // -----------------------------------------
+    // ---- YumIOReport.cpp: failures and the log; any thread --------------------------------------
 
     /// One log entry a line of `text`.
     void log(Log::Kind kind, unsigned int level, const QString& text);
@@ -208,15 +205,15 @@ public:
     void error(const char* message) override;
     void warning(const char* message) override;
 
-    // ---- YumIOCapture.cpp: captured output
-    // ---------------------------------------------------------
+    // ---- YumIOCapture.cpp: captured output ------------------------------------------------------
 
     /// A piece of output; what is behind its last newline waits for the next piece.
     void writeStdout(const QString& text);
     void writeStderr(const QString& text);
 
-    // ---- Called by the script through module yumIOC (YumIOC.cpp), on the thread that runs the
-    // script. Each takes the arguments tuple and gives a new reference, or null with TypeError set.
+    // ---- YumIOC.cpp: called by the script through module yumIOC ---------------------------------
+    // On the thread that runs the script. Each takes the arguments tuple and gives a new reference,
+    // or null with TypeError set.
 
     PyObject* stdoutWrite(PyObject* self, PyObject* args);
     PyObject* stderrWrite(PyObject* self, PyObject* args);
@@ -262,10 +259,10 @@ protected:
     class CollectOtherDataThread;
     class ClearEntriesThread;
 
-    // ---- YumIO.cpp
-    // ---------------------------------------------------------------------------------
+    // ---- YumIO.cpp ------------------------------------------------------------------------------
 
-    /// The one place that spins a local event loop while work runs.
+    /// The one place that spins a local event loop while work runs. Where work runs already the
+    /// thread isn't started.
     void execWorkThread(QEventLoop& loop, QThread& thread);
     void clearEntriesReal();
     /// Makes entries of a failed collection ready to be cleared; `clearingEntries` is set.
@@ -278,8 +275,7 @@ protected:
     /// Reports why initialize() fails, whatever is pending first; false.
     bool initializeFailed(const QString& text);
 
-    // ---- YumIOCollect.cpp: collection; work thread, lock held
-    // --------------------------------------
+    // ---- YumIOCollect.cpp: collection; work thread, lock held -----------------------------------
 
     bool collectReal(const QHash<QString, bool>& usedRepos);
     void useRepos(PyObject* repos, const QHash<QString, bool>& usedRepos);
@@ -298,8 +294,7 @@ protected:
     /// One shared copy of a word that many rows have.
     QString shared(const QString& word);
 
-    // ---- YumIOFind.cpp: entries by name
-    // ------------------------------------------------------------
+    // ---- YumIOFind.cpp: entries by name ---------------------------------------------------------
 
     Package::Entry* findPackage(const QString& name);
     Package::Entry* findPackage(const QString& name, bool (YumIO::*predicate)(Package::Entry*));
@@ -307,8 +302,7 @@ protected:
     /// absent, holding null then.
     Package::Entry*& findUpdateablePackage(const QString& name, const QString& arch);
 
-    // ---- YumIOGroups.cpp: groups
-    // -------------------------------------------------------------------
+    // ---- YumIOGroups.cpp: groups ----------------------------------------------------------------
 
     bool collectGroups(EntryHash& hash, PyObject* holder);
     bool collectGroup(Package::Entry*& slot, PyObject* group, const QString& name);
@@ -322,8 +316,7 @@ protected:
     QString getGroupGrps(const Package::Entry& entry, const char* field);
     QString getGroupPkgs(const Package::Entry& entry, const char* field22, const char* field25);
 
-    // ---- YumIOExtra.cpp
-    // ----------------------------------------------------------------------------
+    // ---- YumIOExtra.cpp -------------------------------------------------------------------------
 
     bool collectFileListsReal();
     bool collectOtherDataReal();
@@ -342,9 +335,8 @@ protected:
     QString makeSorted(QStringList& list);
     QString makeSortedUniq(QStringList& list);
 
-    // ---- YumIOValues.cpp: interpreter values; lock held
-    // -------------------------------------------- Those with "Dec" in their names release the
-    // reference that they are given.
+    // ---- YumIOValues.cpp: interpreter values; lock held -----------------------------------------
+    // Those with "Dec" in their names release the reference that they are given.
 
     QString pyString(PyObject* object);
     QString pyStringDec(PyObject* object);
@@ -370,14 +362,12 @@ public:
     static QString timeFormat(long time);
 
 protected:
-    // ---- YumIOClean.cpp
-    // ----------------------------------------------------------------------------
+    // ---- YumIOClean.cpp -------------------------------------------------------------------------
 
     /// True where the script's method gives a tuple that begins with 0.
     bool cleanStep(const char* method);
 
-    // ---- YumIOProgress.cpp: collection progress; work thread
-    // ---------------------------------------
+    // ---- YumIOProgress.cpp: collection progress; work thread ------------------------------------
 
     /// Name of a step or file that the script passes: text, or none. Anything else reports
     /// `message`.
@@ -396,8 +386,7 @@ protected:
     void collectEnd(void* meter, long value);
     void collectFailure(void* meter);
 
-    // ---- YumIOReport.cpp
-    // ---------------------------------------------------------------------------
+    // ---- YumIOReport.cpp ------------------------------------------------------------------------
 
     void commExceptSetup();
     bool commExceptRaised(PyObject* result, const QString& action);
@@ -417,13 +406,11 @@ protected:
     void sigchldDisable();
     void sigchldRestore();
 
-    // ---- YumIOCapture.cpp
-    // --------------------------------------------------------------------------
+    // ---- YumIOCapture.cpp -----------------------------------------------------------------------
 
     void write(const QString& text, Log::Kind kind, unsigned int level, QString& partial);
 
-    // ---- Fields
-    // ------------------------------------------------------------------------------------
+    // ---- Fields ---------------------------------------------------------------------------------
 
     Package::EntryList entries;
     Package::EntryList noEntries; ///< stays empty; stands in for `entries` while they are torn down
@@ -495,6 +482,7 @@ protected:
     Blocker blocker;
 
 private:
+    bool working = false;                      ///< a work thread runs; GUI thread only
     QHash<QString, QString> biArchWords;       ///< answers of getBiArch
     QSet<QString> sharedWords;                 ///< repository ids and architectures of the rows
     QSet<const Package::Entry*> groupsVisited; ///< groups whose sub-groups are being looked at

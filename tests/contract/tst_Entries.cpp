@@ -229,6 +229,42 @@ private Q_SLOTS:
         QCOMPARE(std::distance(engine.begin(), engine.end()), 1);
     }
 
+    void workAskedForWhileWorkRunsIsRefused()
+    {
+        contract->play({{"available", QJsonArray{Contract::package("a")}}});
+        OpenEngine& engine = contract->engine();
+        Package::Entry entry;
+        entry.pyObject = engine.pyr("current.packages('available')[0]").release();
+
+        bool asked = false;
+        QString files = "none yet";
+        bool loaded = true;
+        contract->probe([&](const QString& method) {
+            if (method != QLatin1String("collectUpdates"))
+                return;
+            const Python::PyThreadStateWrapper away;
+            QMetaObject::invokeMethod(
+                &contract->window,
+                [&] {
+                    files = engine.getFiles(entry);
+                    loaded = engine.collectOtherData();
+                    engine.clear();
+                    asked = true;
+                },
+                Qt::BlockingQueuedConnection);
+        });
+        QVERIFY(contract->collect({}));
+        contract->probe(nullptr);
+        Py_CLEAR(entry.pyObject);
+        QVERIFY(asked);
+        QCOMPARE(files, QString());
+        QVERIFY(!loaded);
+        QCOMPARE(contract->callCount("collectFileLists"), 0);
+        QCOMPARE(contract->callCount("flush"), 0);
+        QCOMPARE(contract->rowNames(), QStringList("a"));
+        QVERIFY2(engine.collectOtherData(), "work is over");
+    }
+
     void clearingGivesUpTheObjectsOfARowAndItsChain()
     {
         contract->play({{"installed", QJsonArray{Contract::package("a"), Contract::package("a")}}});
