@@ -364,6 +364,8 @@ public:
 protected:
     // ---- YumIOClean.cpp -------------------------------------------------------------------------
 
+    /// The answer to a question that the script is asked once: true for True alone.
+    bool answer(bool& known, bool& value, const std::function<PyRef()>& ask);
     /// True where the script's method gives a tuple that begins with 0.
     bool cleanStep(const char* method);
 

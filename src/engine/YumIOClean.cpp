@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
+#include <QScopedValueRollback>
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -62,40 +64,35 @@ bool YumIO::hasSqliteCache()
     return yumVersion() > 20301;
 }
 
+bool YumIO::answer(bool& known, bool& value, const std::function<PyRef()>& ask)
+{
+    if (known)
+        return value;
+    PyGILStateWrapper lock(true);
+    // The script may be in the middle of a call whose scope goes on.
+    const QScopedValueRollback<int> outerMark(exceptLogStart);
+    pyExceptStart();
+    value = ask().get() == Py_True;
+    pyExceptClear();
+    known = true;
+    return value;
+}
+
 bool YumIO::usesSqlite()
 {
-    if (!usesSqliteKnown) {
-        PyGILStateWrapper lock(true);
-        pyExceptStart();
-        usesSqliteValue = pyCall("usesSqlite", "()").get() == Py_True;
-        pyExceptClear();
-        usesSqliteKnown = true;
-    }
-    return usesSqliteValue;
+    return answer(usesSqliteKnown, usesSqliteValue, [this] { return pyCall("usesSqlite", "()"); });
 }
 
 bool YumIO::usesPresto()
 {
-    if (!usesPrestoKnown) {
-        PyGILStateWrapper lock(true);
-        pyExceptStart();
-        usesPrestoValue = pyMethodCall(yumIO, "usesPresto", "()").get() == Py_True;
-        pyExceptClear();
-        usesPrestoKnown = true;
-    }
-    return usesPrestoValue;
+    return answer(usesPrestoKnown, usesPrestoValue,
+                  [this] { return pyMethodCall(yumIO, "usesPresto", "()"); });
 }
 
 bool YumIO::hasMultiProgress()
 {
-    if (!hasMultiProgressKnown) {
-        PyGILStateWrapper lock(true);
-        pyExceptStart();
-        hasMultiProgressValue = pyMethodCall(yumIO, "hasMultiProgress", "()").get() == Py_True;
-        pyExceptClear();
-        hasMultiProgressKnown = true;
-    }
-    return hasMultiProgressValue;
+    return answer(hasMultiProgressKnown, hasMultiProgressValue,
+                  [this] { return pyMethodCall(yumIO, "hasMultiProgress", "()"); });
 }
 
 bool YumIO::cleanStep(const char* method)

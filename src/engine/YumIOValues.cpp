@@ -3,6 +3,8 @@
 
 #include "engine/PyText.h"
 
+#include <QScopedValueRollback>
+
 #include <cerrno>
 #include <cstdlib>
 #include <ctime>
@@ -144,6 +146,8 @@ const char* YumIO::pyDescribe(PyObject* object)
 QString YumIO::simpleString(PyObject* object, const char* field)
 {
     PyGILStateWrapper lock(true);
+    // A scope around this one goes on.
+    const QScopedValueRollback<int> outerMark(exceptLogStart);
     pyExceptStart();
     pyExceptExpect(PyExc_KeyError);
     const PyRef value = pyMethodCall(object, "returnSimple", "(s)", field);

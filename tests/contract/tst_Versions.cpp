@@ -210,6 +210,24 @@ private Q_SLOTS:
         QVERIFY(!PyErr_Occurred());
     }
 
+    void questionsAskedWithinAStepKeepItsErrorLines()
+    {
+        // The first meter has the engine ask how files are downloaded.
+        const QJsonArray steps{QJsonArray{"errorlog", 0, "the mirror says no"},
+                               QJsonArray{"collectGrabMeterStart", "meter:1", "/base/repomd.xml",
+                                          QJsonValue(), QJsonValue(), 1, "base/repomd.xml"}};
+        contract->play({{"repos", QJsonObject{{"base", QJsonObject{{"enabled", 1}}}}},
+                        {"meters", QJsonObject{{"setupRepos", steps}}},
+                        {"raise", QJsonObject{{"setupRepos", QJsonObject{{"type", "RepoError"},
+                                                                         {"text", "given up"}}}}}});
+        driver->expect(yumError)
+            .text("the mirror says no\ngiven up\nUnable to initialize")
+            .press("Close");
+        QVERIFY(!contract->collect());
+        QCOMPARE(driver->driven(), 1);
+        QCOMPARE(contract->callCount("hasMultiProgress"), 1);
+    }
+
     void aCleanThatRaisesIsReportedAndFails()
     {
         contract->play(

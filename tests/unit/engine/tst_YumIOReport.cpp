@@ -60,6 +60,7 @@ private Q_SLOTS:
     void errorFromAnyThreadIsShown();
     void openDialogLeavesTheInterpreterToTheGui();
     void expectingMarksTheLog();
+    void aFieldReadWithinAScopeKeepsItsMark();
     void understandsWhatTheScriptRaises_data();
     void understandsWhatTheScriptRaises();
     void baseErrorShowsTheErrorLinesOfTheScope();
@@ -275,6 +276,20 @@ void TestYumIOReport::expectingMarksTheLog()
     engine.pyExceptStart();
     engine.log(Log::Plain, 0, QStringLiteral("a\nb"));
     engine.commExceptSetup();
+    QCOMPARE(engine.exceptLogStart, 2);
+    engine.pyExceptClear();
+    QCOMPARE(engine.exceptLogStart, -1);
+}
+
+void TestYumIOReport::aFieldReadWithinAScopeKeepsItsMark()
+{
+    const PyRef package =
+        engine.pyr("type('Package', (), {'returnSimple': lambda self, field: field})()");
+    engine.pyExceptStart();
+    engine.log(Log::Plain, 0, QStringLiteral("a\nb"));
+    engine.commExceptSetup();
+    engine.log(Log::Plain, 0, QStringLiteral("c"));
+    QCOMPARE(engine.simpleString(package.get(), "url"), QStringLiteral("url"));
     QCOMPARE(engine.exceptLogStart, 2);
     engine.pyExceptClear();
     QCOMPARE(engine.exceptLogStart, -1);
