@@ -4,32 +4,19 @@
 #include "shell/CommandLine.h"
 #include "shell/DefaultStyle.h"
 #include "shell/MainWindow.h"
+#include "shell/QtMessages.h"
 
 #include <QApplication>
 #include <QIcon>
 
 #include <libgen.h>
 
-namespace
-{
-
-QtMessageHandler nextHandler = nullptr;
-
-/// Administrators work in shells of su and sudo, where the session's runtime directory is unset or
-/// somebody else's. Nothing here uses it, and Qt would tell so at each start.
-void dropRuntimeDirectory(QtMsgType type, const QMessageLogContext& context, const QString& text)
-{
-    if (!text.startsWith(QLatin1String("QStandardPaths: ")))
-        nextHandler(type, context, text);
-}
-
-} // namespace
-
 int main(int argc, char** argv)
 {
-    nextHandler = qInstallMessageHandler(dropRuntimeDirectory);
+    QtMessages::filter(basename(argv[0]));
     const DefaultStyle defaultStyle(argc, argv);
     QApplication app(argc, argv);
+    QtMessages::applicationStarted();
     defaultStyle.set(app, QStringLiteral("plastique"));
     QApplication::setWindowIcon(QIcon(Share::absolute(QStringLiteral("pixmaps/vok.icon.png"))));
     // The main window says when the program is over: it has an engine to stop first, and a log

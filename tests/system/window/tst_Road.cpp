@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "Program.h"
 #include "Sandbox.h"
 #include "WindowDriver.h"
 
@@ -19,25 +20,6 @@
 
 namespace
 {
-
-/// Ends its process, however the test ends.
-class Program
-{
-public:
-    explicit Program(const QStringList& arguments)
-    {
-        process.start(QStringLiteral(VOK_EXECUTABLE), arguments);
-    }
-    ~Program()
-    {
-        if (process.state() == QProcess::NotRunning)
-            return;
-        process.kill();
-        process.waitForFinished();
-    }
-
-    QProcess process;
-};
 
 /// Texts of the enabled entries of the menu that pops up during `open`; triggers `choice` there.
 QStringList chooseFromMenu(const std::function<void()>& open, const QString& choice)
@@ -288,7 +270,6 @@ private Q_SLOTS:
         const SandboxRoot root;
         qputenv("XDG_RUNTIME_DIR", QFile::encodeName(session.path()));
         Program vok({"--log", "--state=all"});
-        QVERIFY(vok.process.waitForStarted());
         QTRY_VERIFY_WITH_TIMEOUT(root.locked(), 20000);
         // The key is refused until the first collection is over.
         const auto pressed = [&] {
@@ -313,8 +294,7 @@ private Q_SLOTS:
     void aSecondStartIsToldOfTheLockAndCanTryAgain()
     {
         const SandboxRoot root;
-        Program first({});
-        QVERIFY(first.process.waitForStarted());
+        Program first;
         QTRY_VERIFY_WITH_TIMEOUT(root.locked(), 20000);
         WindowDriver user;
         user.dialogs.expect("VOK Yum Error")
