@@ -135,7 +135,7 @@ class Source:
         with open(path, 'rb') as stream:
             text = stream.read().decode('utf-8', 'replace')
         if text.lstrip().startswith('<'):
-            self.hashes, found = repomd.read_metalink(path)
+            self.hashes, found = self._read_metalink(path)
         else:
             found = [line.strip() for line in text.splitlines()]
         found = [libdnf.conf.ConfigParser.substitute(line, self._conf.substitutions)
@@ -144,6 +144,14 @@ class Source:
             raise RepoError("Failed to download metadata for repository '%s': the list of mirrors "
                             'at %s names none' % (self._repo.id, self.list_url()))
         return found
+
+    def _read_metalink(self, path):
+        try:
+            return repomd.read_metalink(path)
+        except RepoError as exc:
+            problem = RepoError("Failed to download metadata for repository '%s': %s"
+                                % (self._repo.id, text_of(exc)))
+        raise problem
 
     def _peer(self, urls):
         """A repository object with these servers, which talks to them as the real one would."""

@@ -60,11 +60,19 @@ class Refresh:
             self._load_cache()
             self.close()
             return False
-        self._records = repomd.read(self._staged('repodata/repomd.xml'))
+        self._records = self._read_repomd()
         if 'primary' not in self._records:
             raise RepoError("The metadata of repository '%s' lists no packages (no 'primary' in "
                             "repomd.xml)" % self._repo.id)
         return True
+
+    def _read_repomd(self):
+        try:
+            return repomd.read(self._staged('repodata/repomd.xml'))
+        except RepoError as exc:
+            problem = RepoError("The metadata of repository '%s' cannot be read: %s"
+                                % (self._repo.id, text_of(exc)))
+        raise problem
 
     def download(self):
         """Fetches the files that changed, puts all in place and loads them."""

@@ -2,6 +2,7 @@
 """Reads the two small files that lead to a repository's metadata: repomd.xml and a metalink."""
 
 import hashlib
+import os
 import xml.etree.ElementTree as ElementTree
 
 from yum.Errors import RepoError
@@ -9,6 +10,8 @@ from yum.Errors import RepoError
 _REPOMD = 'repodata/repomd.xml'
 # Strongest first.
 DIGESTS = ('sha512', 'sha384', 'sha256', 'sha224', 'sha1', 'md5')
+# The last two are for an encoding that nobody knows.
+_NO_XML = (ElementTree.ParseError, LookupError, ValueError)
 
 
 class Record:
@@ -33,8 +36,8 @@ def read(path):
     """The records of the repomd.xml at `path`, by kind. OSError or RepoError when unreadable."""
     try:
         root = ElementTree.parse(path).getroot()
-    except ElementTree.ParseError as exc:
-        problem = RepoError('%s: %s' % (path, exc))
+    except _NO_XML as exc:
+        problem = RepoError('%s: %s' % (os.path.basename(path), exc))
     else:
         records = {}
         for data in root:
@@ -57,7 +60,7 @@ def _record(data):
         elif tag == 'checksum':
             checksum_type = item.get('type')
             checksum = (item.text or '').strip()
-        elif tag == 'size' and (item.text or '').strip().isdigit():
+        elif tag == 'size' and (item.text or '').strip().isdecimal():
             size = int(item.text)
     # A location decides where a file is put, so it must not lead out of the repository's cache
     # or onto what else is kept there.
@@ -77,7 +80,7 @@ def read_metalink(path):
     """
     try:
         root = ElementTree.parse(path).getroot()
-    except ElementTree.ParseError as exc:
+    except _NO_XML as exc:
         problem = RepoError('metalink: %s' % exc)
     else:
         for item in root.iter():
@@ -94,7 +97,7 @@ def _mirrors(item):
         if _local(url.tag) == 'url' and text.endswith(_REPOMD) \
                 and text.partition('://')[0] in ('http', 'https', 'ftp', 'file'):
             preference = url.get('preference', '')
-            found.append((int(preference) if preference.isdigit() else 0,
+            found.append((int(preference) if preference.isdecimal() else 0,
                           text[:-len(_REPOMD)]))
     found.sort(key=lambda pair: -pair[0])
     return [text for _, text in found]

@@ -221,9 +221,11 @@ class System:
         parser = libdnf.conf.ConfigParser()
         parser.setSubstitutions(self.conf.substitutions)
         try:
-            parser.read(path)
+            # To the library a file that can't be opened is an empty one.
+            with open(path, 'rb'):
+                parser.read(path)
         except (libdnf.error.Error, RuntimeError, OSError) as exc:
-            LOGGER.warning('%s: %s', path, text_of(exc))
+            LOGGER.warning('%s: %s', path, getattr(exc, 'strerror', None) or text_of(exc))
             return
         for section in parser.getData():
             if section in skipped:

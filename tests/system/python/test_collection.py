@@ -192,6 +192,13 @@ class Configuration(SystemTest):
         self.assertIn('/bad.repo', warnings)
         self.assertIn('/badid.repo', warnings)
 
+    def test_aFileThatCannotBeOpenedIsAWarningWithItsName(self):
+        self.repository('base', [Rpm('alpha')])
+        gone = self.path('etc/yum.repos.d/gone.repo')
+        os.symlink('/nonexistent/gone.repo', gone)
+        self.assertEqual(nevras(self.collect().lists.available), ['alpha-1.0-1.noarch'])
+        self.assertIn(gone + ': No such file or directory', yumIOC.lines('errorlog'))
+
     def test_aMissingMainFileIsARepoErrorOfSetupRepos(self):
         os.unlink(self.path('etc/yum.conf'))
         made = self.make()

@@ -243,7 +243,13 @@ class Failures(SystemTest):
         self.repository('base', [Rpm('alpha')])
         with open(os.path.join(self.served, 'base/repodata/repomd.xml'), 'w') as stream:
             stream.write('<repomd><data')
-        self.assertIn('repomd.xml', self.refused())
+        self.assertIn("'base' cannot be read: repomd.xml: ", self.refused())
+
+    def test_aRepomdInAnUnknownEncodingIsARepoError(self):
+        self.repository('base', [Rpm('alpha')])
+        with open(os.path.join(self.served, 'base/repodata/repomd.xml'), 'w') as stream:
+            stream.write('<?xml version="1.0" encoding="utf-99"?><repomd/>')
+        self.assertIn("'base' cannot be read: repomd.xml: ", self.refused())
 
     def test_aHangingServerEndsWithinTheTimeout(self):
         self.config('[main]\ntimeout=1\n')
@@ -399,6 +405,14 @@ class Mirrors(SystemTest):
         with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
             self.collect()
         self.assertIn("'base'", caught.exception.value)
+
+    def test_aMetalinkThatIsNoXmlIsARepoErrorThatNamesTheRepository(self):
+        self.linked()
+        with open(os.path.join(self.served, 'metalink'), 'w') as stream:
+            stream.write('<html><p>Please log in.</html>')
+        with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
+            self.collect()
+        self.assertIn("repository 'base': metalink: ", caught.exception.value)
 
     def test_baseUrlsDoWithoutTheListOfMirrors(self):
         self.repository('base', [Rpm('alpha')],
