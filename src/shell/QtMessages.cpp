@@ -47,6 +47,9 @@ void handle(QtMsgType type, const QMessageLogContext& context, const QString& te
     // or somebody else's. Nothing here uses it, and Qt would tell so at each start.
     if (text.startsWith(QLatin1String("QStandardPaths: ")))
         return;
+    // The window manager took a window's frame away while Qt asked for its place.
+    if (text.startsWith(QLatin1String("QXcbConnection: XCB error: 3 (BadWindow)")))
+        return;
     if (started) {
         nextHandler(type, context, text);
         return;
