@@ -10,20 +10,20 @@
 namespace Package
 {
 
-enum Action {
+enum Action : qint32 {
     ActionUpdate = 0,
     ActionInstall = 1,
     ActionRemove = 2,
     ActionNone = 3,
 };
 
-enum State {
+enum State : qint32 {
     StateUpdatable = 0,   ///< installed, a newer version is available; a group: not up to date
     StateInstallable = 1, ///< available, not installed
     StateInstalled = 2,   ///< installed and up to date
 };
 
-enum Kind {
+enum Kind : qint32 {
     KindSuite = 0, ///< a package whose rpm group is exactly "Suite"
     KindGroup = 1,
     KindOrdinary = 2,
@@ -61,6 +61,8 @@ struct Entry {
     Action applyAction = ActionNone;
     Entry* markedBy = nullptr; ///< not owned
     bool started = false;
+
+    quint32 serial = 0; ///< place among the packages in the order in which the script listed them
 };
 
 /// Owns its members.

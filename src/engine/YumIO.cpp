@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
+#include "engine/SearchTexts.h"
 #include "engine/YumIOC.h"
 #include "engine/YumIODialogs.h"
 #include "kit/Application.h"
@@ -89,6 +90,24 @@ protected:
     void run() override
     {
         result = engine->collectOtherDataReal();
+        loop.exit(0);
+    }
+};
+
+class YumIO::CollectSearchTextsThread : public WorkThread
+{
+public:
+    CollectSearchTextsThread(YumIO* engine, QEventLoop& loop)
+        : WorkThread(engine, loop, QStringLiteral("CollectSearchTexts"))
+    {
+    }
+
+    std::unique_ptr<SearchTexts> texts;
+
+protected:
+    void run() override
+    {
+        texts = engine->collectSearchTextsReal();
         loop.exit(0);
     }
 };
@@ -256,6 +275,7 @@ void YumIO::clearEntries()
 {
     if (working)
         return;
+    searchTexts.reset();
     // Set before the thread starts: the table sees no rows as soon as the local loop's events run.
     clearingEntries = true;
     QEventLoop loop;
@@ -281,6 +301,7 @@ void YumIO::clearEntriesReal()
 void YumIO::clearEntriesBeforeQuit()
 {
     clearingEntries = true;
+    searchTexts.reset();
     adoptUnpublishedEntries();
     for (Package::Entry* entry : qAsConst(entries)) {
         for (Package::Entry* link = entry; link; link = link->next)
@@ -313,6 +334,8 @@ void YumIO::dropEntries()
 
 bool YumIO::collect(const QHash<QString, bool>& usedRepos)
 {
+    if (!working)
+        searchTexts.reset();
     QEventLoop loop;
     CollectThread thread(this, loop, usedRepos);
     execWorkThread(loop, thread);
@@ -337,6 +360,20 @@ bool YumIO::collectOtherData()
     CollectOtherDataThread thread(this, loop);
     execWorkThread(loop, thread);
     return thread.result;
+}
+
+bool YumIO::collectSearchTexts()
+{
+    if (searchTexts)
+        return true;
+    if (!otherDataCollected)
+        return false;
+    QEventLoop loop;
+    CollectSearchTextsThread thread(this, loop);
+    execWorkThread(loop, thread);
+    // Published here, where nobody can be asking.
+    searchTexts = std::move(thread.texts);
+    return searchTexts != nullptr;
 }
 
 void YumIO::execWorkThread(QEventLoop& loop, QThread& thread)

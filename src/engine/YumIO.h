@@ -16,12 +16,14 @@
 #include <atomic>
 #include <csignal>
 #include <functional>
+#include <memory>
 #include <vector>
 
 class HProgressBar;
 class QEventLoop;
 class QThread;
 class QWidget;
+class SearchTexts;
 class YumIOCapturers;
 class YumIODialogs;
 
@@ -65,7 +67,7 @@ public:
     using EntryHash = QHash<EntryKey, Package::Entry*>;
 
     /// What a step of a collection does.
-    enum RepoAct {
+    enum RepoAct : int {
         ActMirrorList = 0,
         ActRepomd = 1,
         ActGroups = 2,
@@ -114,10 +116,14 @@ public:
     /// Load the file lists or change logs of the repositories, once a collection.
     bool collectFileLists();
     bool collectOtherData();
+    /// Gathers what getSearchTexts() gives, once a collection. Only where the change logs are
+    /// loaded; fails without a dialog where there is no room for the texts.
+    bool collectSearchTexts();
 
     Log::EntryList& getLogEntries() { return logEntries; }
     bool areFileListsCollected() const { return fileListsCollected; }
     bool areOtherDataCollected() const { return otherDataCollected; }
+    bool areSearchTextsCollected() const { return searchTexts != nullptr; }
 
     // ---- YumIOEntries.cpp: the rows -------------------------------------------------------------
 
@@ -166,12 +172,24 @@ public:
 
     // ---- YumIOExtra.cpp: file lists, change logs, relations -------------------------------------
 
-    /// One path a line, sorted. May load the file lists first, which spins a local event loop.
+    /// Whether a getter that finds its data missing loads it, which spins a local event loop, or
+    /// takes that for no data.
+    enum Loading {
+        MayLoad,
+        LoadedOnly,
+    };
+
+    /// One path a line, sorted.
     QString getFiles(const Package::Entry& entry);
     /// The same text as UTF-8, for searching the file lists of all rows without converting them.
-    QByteArray getFilesUtf8(const Package::Entry& entry);
-    /// May load the change logs first, which spins a local event loop.
-    QString getChangeLog(const Package::Entry& entry);
+    QByteArray getFilesUtf8(const Package::Entry& entry, Loading loading = MayLoad);
+    QString getChangeLog(const Package::Entry& entry, Loading loading = MayLoad);
+
+    // ---- YumIOSearch.cpp: what a search looks at ------------------------------------------------
+
+    /// UTF-8 of all fields of a package that a search looks at, but for the files, separated by
+    /// NULs. Null where collectSearchTexts() hasn't gathered it.
+    QByteArray getSearchTexts(const Package::Entry& entry) const;
 
     // ---- YumIOClean.cpp: caches and capabilities ------------------------------------------------
 
@@ -257,6 +275,7 @@ protected:
     class CollectThread;
     class CollectFileListsThread;
     class CollectOtherDataThread;
+    class CollectSearchTextsThread;
     class ClearEntriesThread;
 
     // ---- YumIO.cpp ------------------------------------------------------------------------------
@@ -334,6 +353,12 @@ protected:
     PyRef getRpmHdrValue(PyObject* package, const char* tag);
     QString makeSorted(QStringList& list);
     QString makeSortedUniq(QStringList& list);
+
+    // ---- YumIOSearch.cpp ------------------------------------------------------------------------
+
+    /// On a work thread; null where it fails.
+    std::unique_ptr<SearchTexts> collectSearchTextsReal();
+    QByteArray searchText(const Package::Entry& entry);
 
     // ---- YumIOValues.cpp: interpreter values; lock held -----------------------------------------
     // Those with "Dec" in their names release the reference that they are given.
@@ -487,6 +512,8 @@ private:
     bool working = false;                      ///< a work thread runs; GUI thread only
     QHash<QString, QString> biArchWords;       ///< answers of getBiArch
     QSet<QString> sharedWords;                 ///< repository ids and architectures of the rows
+    quint32 nextSerial = 0;                    ///< of the packages
+    std::unique_ptr<SearchTexts> searchTexts;  ///< GUI thread only; goes with the entries
     QSet<const Package::Entry*> groupsVisited; ///< groups whose sub-groups are being looked at
 };
 

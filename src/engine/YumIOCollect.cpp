@@ -375,6 +375,7 @@ bool YumIO::collectPkg(Package::Entry*& slot, Package::State state, PyObject* pa
     Py_INCREF(package);
     auto* entry = new Package::Entry;
     slot = entry;
+    entry->serial = nextSerial++;
     entry->state = state;
     entry->name = row.name;
     entry->arch = row.arch;

@@ -153,7 +153,7 @@ QString YumIO::getFiles(const Package::Entry& entry)
     return QString::fromUtf8(getFilesUtf8(entry));
 }
 
-QByteArray YumIO::getFilesUtf8(const Package::Entry& entry)
+QByteArray YumIO::getFilesUtf8(const Package::Entry& entry, Loading loading)
 {
     PyGILStateWrapper lock(true);
     if (entry.kind != Package::KindSuite && entry.kind != Package::KindOrdinary)
@@ -164,6 +164,8 @@ QByteArray YumIO::getFilesUtf8(const Package::Entry& entry)
     } else {
         if (!PyObject_HasAttrString(entry.pyObject, "_loadFiles") &&
             !PyObject_HasAttrString(entry.pyObject, "files"))
+            return QByteArray();
+        if (!fileListsCollected && loading == LoadedOnly)
             return QByteArray();
         // The load gives the lock away once, so no more than one level of it may be held here.
         lock.release();
@@ -220,7 +222,7 @@ QStringList YumIO::installedFiles(PyObject* package)
     return files;
 }
 
-QString YumIO::getChangeLog(const Package::Entry& entry)
+QString YumIO::getChangeLog(const Package::Entry& entry, Loading loading)
 {
     PyGILStateWrapper lock(true);
     if (entry.kind != Package::KindSuite && entry.kind != Package::KindOrdinary)
@@ -245,6 +247,8 @@ QString YumIO::getChangeLog(const Package::Entry& entry)
     }
 
     if (!PyObject_HasAttrString(package, "changelog"))
+        return QString();
+    if (!otherDataCollected && loading == LoadedOnly)
         return QString();
     lock.release();
     const bool loaded = collectOtherData();
