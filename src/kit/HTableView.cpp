@@ -48,8 +48,11 @@ QSize HTableView::sizeHint() const
     const int width = verticalHeaderWidth + columnViewportPosition(lastColumn) +
                       columnWidth(lastColumn) + frameOnlyAroundContentsPixels() +
                       verticalScrollBar()->sizeHint().width();
-    const int height =
-        horizontalHeaderHeight + rowViewportPosition(0) + rowHeight(0) * m_minimumRows;
+    // An empty table has no row to measure by, and wants room for the rows planned all the same.
+    const bool hasRows = verticalHeader()->count() > 0;
+    const int rowHeight = hasRows ? this->rowHeight(0) : verticalHeader()->defaultSectionSize();
+    const int firstRow = hasRows ? rowViewportPosition(0) : 0;
+    const int height = horizontalHeaderHeight + firstRow + rowHeight * m_minimumRows;
     return QSize(width + 2 * frameWidth(), height + 2 * frameWidth());
 }
 

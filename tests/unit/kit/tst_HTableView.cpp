@@ -48,6 +48,7 @@ class TestHTableView : public QObject
 private Q_SLOTS:
     void plansForTheRowsOfTheFirstHint();
     void plansForAtMostTheUpperBound();
+    void plansForRowsOfTheDefaultHeightWithoutAny();
     void hintCountsHeadersFramesAndScrollBar();
     void countsAFrameThatIsAroundTheContentsOnly();
     void columnHintWithoutAModel();
@@ -86,6 +87,21 @@ void TestHTableView::plansForAtMostTheUpperBound()
     view.setModel(&many);
     view.horizontalHeader()->hide();
     QCOMPARE(view.sizeHint().height(), 2 * view.frameWidth() + 4 * view.rowHeight(0));
+}
+
+void TestHTableView::plansForRowsOfTheDefaultHeightWithoutAny()
+{
+    CellModel none(0, 2);
+    HTableView view(QStyleOptionViewItem::Left, 10, anyRows, nullptr);
+    view.setModel(&none);
+    view.verticalHeader()->setDefaultSectionSize(31);
+    QCOMPARE(view.sizeHint().height(),
+             2 * view.frameWidth() + view.horizontalHeader()->sizeHint().height() + 10 * 31);
+
+    HTableView withoutModel(QStyleOptionViewItem::Left, 4, anyRows, nullptr);
+    withoutModel.horizontalHeader()->hide();
+    QCOMPARE(withoutModel.sizeHint().height(),
+             2 * view.frameWidth() + 4 * withoutModel.verticalHeader()->defaultSectionSize());
 }
 
 void TestHTableView::hintCountsHeadersFramesAndScrollBar()
