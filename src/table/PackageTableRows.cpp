@@ -17,6 +17,23 @@ void Rows::drop()
         column.clear();
 }
 
+/// Writes the text as UTF-8, and returns the end of what was written. There must be room for three
+/// bytes a character.
+static char* appendUtf8(char* to, const QString& text)
+{
+    const ushort* const from = text.utf16();
+    const int length = text.size();
+    ushort all = 0;
+    for (int i = 0; i < length; ++i) {
+        all |= from[i];
+        to[i] = static_cast<char>(from[i]);
+    }
+    if (all < 0x80)
+        return to + length;
+    const QByteArray utf8 = text.toUtf8();
+    return std::copy(utf8.begin(), utf8.end(), to);
+}
+
 const QByteArray& Rows::text(int row)
 {
     const auto at = static_cast<size_t>(row);
@@ -26,13 +43,24 @@ const QByteArray& Rows::text(int row)
     QByteArray& text = texts[at];
     if (text.isNull()) {
         const Package::Entry& entry = *(*yumIO)[row];
-        QString joined;
+        std::array<QString, ColumnCount - ColumnName> pieces;
+        size_t room = 0;
         for (int column = ColumnName; column < ColumnCount; ++column) {
-            if (!joined.isEmpty())
-                joined += QLatin1Char(' ');
-            joined += Model::text(entry, column);
+            QString& piece = pieces[static_cast<size_t>(column - ColumnName)];
+            piece = Model::text(entry, column);
+            room += 1 + 3 * static_cast<size_t>(piece.size());
         }
-        text = joined.isEmpty() ? QByteArray("") : joined.toUtf8();
+        if (scratch.size() < room)
+            scratch.resize(room);
+
+        char* const begin = scratch.data();
+        char* end = begin;
+        for (const QString& piece : pieces) {
+            if (end != begin)
+                *end++ = ' ';
+            end = appendUtf8(end, piece);
+        }
+        text = QByteArray(begin, static_cast<int>(end - begin));
     }
     return text;
 }
@@ -54,6 +82,41 @@ static int orderNumber(const Package::Entry& entry, Column column)
     }
 }
 
+namespace
+{
+
+/// A text in the order of its code units, its beginning at hand: most comparisons end there,
+/// without a look at the text, which lies anywhere in memory.
+class TextKey
+{
+public:
+    /// The text must outlive the key.
+    explicit TextKey(const QString& text)
+        : text(&text)
+    {
+        for (int i = 0; i < 8; ++i) {
+            const ushort unit = i < text.size() ? text[i].unicode() : 0;
+            start = start << 8 | qMin<ushort>(unit, 0xff);
+            if (unit >= 0xff) {
+                // One byte doesn't tell such characters apart, so nothing behind them may count.
+                start <<= 8 * (7 - i);
+                break;
+            }
+        }
+    }
+
+    bool operator<(const TextKey& other) const
+    {
+        return start != other.start ? start < other.start : *text < *other.text;
+    }
+
+private:
+    quint64 start = 0;
+    const QString* text;
+};
+
+} // namespace
+
 /// Writes to `ranks` the places of the rows in the order of their keys. Equal keys share a place.
 template<typename Key> static void rankKeys(const std::vector<Key>& keys, std::vector<int>& ranks)
 {
@@ -73,25 +136,17 @@ template<typename Key> static void rankKeys(const std::vector<Key>& keys, std::v
     }
 }
 
-int Rows::rank(int row, Column column)
-{
-    const auto at = static_cast<size_t>(row);
-    std::vector<int>& columnRanks = ranks[column];
-    if (columnRanks.size() <= at)
-        makeRanks(column);
-    return columnRanks[at];
-}
-
 void Rows::makeRanks(Column column)
 {
     std::vector<int>& columnRanks = ranks[column];
     const auto count = static_cast<size_t>(yumIO->count());
 
     if (column >= ColumnName && column <= ColumnArchitecture) {
-        std::vector<QString> keys;
-        keys.reserve(count);
+        std::vector<QString> columnTexts;
+        columnTexts.reserve(count);
         for (const Package::Entry* entry : *yumIO)
-            keys.push_back(Model::text(*entry, column));
+            columnTexts.push_back(Model::text(*entry, column));
+        const std::vector<TextKey> keys(columnTexts.begin(), columnTexts.end());
         rankKeys(keys, columnRanks);
         if (column == ColumnName)
             return;

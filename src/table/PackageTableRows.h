@@ -31,13 +31,20 @@ public:
     const QByteArray& text(int row);
     /// Place of the row in the ascending order of a column, ties by name; rows that tie in both
     /// share a place. Not for the action, which changes.
-    int rank(int row, Column column);
+    int rank(int row, Column column)
+    {
+        const auto at = static_cast<size_t>(row);
+        if (ranks[column].size() <= at)
+            makeRanks(column);
+        return ranks[column][at];
+    }
 
 private:
     void makeRanks(Column column);
 
     const YumIO* yumIO;
     std::vector<QByteArray> texts; ///< a null one isn't made yet
+    std::vector<char> scratch;     ///< where a text is put together
     std::array<std::vector<int>, ColumnCount> ranks;
 };
 
