@@ -40,10 +40,14 @@ ColumnWidth::ColumnWidth(const HItemDelegate* delegate, const QStyleOptionViewIt
 {
 }
 
-void ColumnWidth::add(const QModelIndex& index)
+void ColumnWidth::add(const QModelIndex& index, int column)
 {
+    if (m_columns.size() <= static_cast<size_t>(column))
+        m_columns.resize(static_cast<size_t>(column) + 1);
+    Column& to = m_columns[static_cast<size_t>(column)];
+
     if (index.data(Qt::SizeHintRole).isValid()) {
-        m_widest = qMax(m_widest, ask(index));
+        to.widest = qMax(to.widest, ask(index));
         return;
     }
 
@@ -66,7 +70,7 @@ void ColumnWidth::add(const QModelIndex& index)
             break;
         default:
             // The delegate takes anything else for a text.
-            m_widest = qMax(m_widest, ask(index));
+            to.widest = qMax(to.widest, ask(index));
             return;
         }
     }
@@ -89,7 +93,7 @@ void ColumnWidth::add(const QModelIndex& index)
             text = m_option.locale.toString(display.toULongLong());
             break;
         default:
-            m_widest = qMax(m_widest, ask(index));
+            to.widest = qMax(to.widest, ask(index));
             return;
         }
     }
@@ -99,20 +103,22 @@ void ColumnWidth::add(const QModelIndex& index)
             kind.font = fontKey(qvariant_cast<QFont>(font).resolve(m_option.font));
     }
 
-    Group& cells = group(kind);
+    Group& cells = group(to, kind);
     if (!cells.first.isValid())
         cells.first = index;
     if (kind.hasText)
         addText(cells, text, index);
 }
 
-int ColumnWidth::take()
+int ColumnWidth::take(int column)
 {
-    for (auto& [kind, cells] : m_groups)
-        m_widest = qMax(m_widest, ask(kind.hasText ? widest(cells) : cells.first));
-    m_groups.clear();
-    m_last = nullptr;
-    return std::exchange(m_widest, 0);
+    if (m_columns.size() <= static_cast<size_t>(column))
+        return 0;
+    Column taken = std::exchange(m_columns[static_cast<size_t>(column)], Column());
+    int width = taken.widest;
+    for (auto& [kind, cells] : taken.groups)
+        width = qMax(width, ask(kind.hasText ? widest(cells) : cells.first));
+    return width;
 }
 
 int ColumnWidth::ask(const QModelIndex& index)
@@ -121,13 +127,13 @@ int ColumnWidth::ask(const QModelIndex& index)
     return m_delegate->sizeHint(m_option, index).width();
 }
 
-ColumnWidth::Group& ColumnWidth::group(const Kind& kind)
+ColumnWidth::Group& ColumnWidth::group(Column& column, const Kind& kind)
 {
     // Neighbours are mostly alike.
-    if (m_last && m_last->first == kind)
-        return m_last->second;
-    const auto [position, isNew] = m_groups.try_emplace(kind);
-    m_last = &*position;
+    if (column.last && column.last->first == kind)
+        return column.last->second;
+    const auto [position, isNew] = column.groups.try_emplace(kind);
+    column.last = &*position;
     Group& cells = position->second;
     if (isNew && kind.hasText) {
         cells.font = kind.font ? kind.font->first : m_option.font;

@@ -29,11 +29,13 @@ public:
     /// not to outlive a change of font, style or screen.
     ColumnWidth(const HItemDelegate* delegate, const QStyleOptionViewItem& option);
 
-    /// Adds a cell to the column.
-    void add(const QModelIndex& index);
+    /// Adds a cell to a column. Several columns may be measured at a time, each with a number from
+    /// 0 up, so that a row's cells can be added while its data are at hand.
+    void add(const QModelIndex& index, int column = 0);
 
-    /// The width that the widest cell added wants, in pixels; 0 without any. Begins a new column.
-    int take();
+    /// The width that the widest cell of the column wants, in pixels; 0 without any. Begins a new
+    /// column of that number.
+    int take(int column = 0);
 
     /// How many texts were laid out to find the answers so far, in the delegate or for it.
     int measured() const { return m_measured; }
@@ -71,17 +73,21 @@ private:
         QModelIndex first;
     };
 
+    struct Column {
+        std::map<Kind, Group> groups;
+        std::pair<const Kind, Group>* last = nullptr; ///< of the cell added last
+        int widest = 0;
+    };
+
     int ask(const QModelIndex& index);
-    Group& group(const Kind& kind);
+    Group& group(Column& column, const Kind& kind);
     TextWidth& textWidth(const QFont& font);
     void addText(Group& group, const QString& text, const QModelIndex& index);
     QModelIndex widest(Group& group);
 
     const HItemDelegate* const m_delegate;
     const QStyleOptionViewItem m_option;
-    std::map<Kind, Group> m_groups;
+    std::vector<Column> m_columns;
     std::map<FontKey, std::unique_ptr<TextWidth>> m_textWidths;
-    std::pair<const Kind, Group>* m_last = nullptr;
-    int m_widest = 0;
     int m_measured = 0;
 };

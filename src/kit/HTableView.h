@@ -3,9 +3,7 @@
 
 #include <QTableView>
 
-#include <memory>
-
-class ColumnWidth;
+#include <vector>
 
 /// A table that sizes its columns and its window from its contents.
 class HTableView : public QTableView
@@ -17,7 +15,6 @@ public:
     /// least `minimumRows` and at most `maximumRows`.
     HTableView(QStyleOptionViewItem::Position decorationPosition, int minimumRows, int maximumRows,
                QWidget* parent);
-    ~HTableView() override;
 
     QStyleOptionViewItem viewOptions() const override;
     QSize sizeHint() const override;
@@ -40,10 +37,11 @@ public:
     int frameOnlyAroundContentsPixels() const;
 
 private:
+    std::vector<int> widestHints(const QStyleOptionViewItem& option) const;
     int widestHint(int column, const QStyleOptionViewItem& option) const;
 
     const QStyleOptionViewItem::Position m_decorationPosition;
     mutable int m_minimumRows;
     mutable int m_maximumRows;
-    std::unique_ptr<ColumnWidth> m_columnWidth; ///< shared by the columns of one resize
+    std::vector<int> m_widest; ///< by column, for the time of a resize of all columns
 };

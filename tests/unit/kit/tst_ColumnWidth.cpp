@@ -9,6 +9,7 @@
 
 #include <QColor>
 #include <QDateTime>
+#include <QHeaderView>
 #include <QIcon>
 #include <QImage>
 #include <QPixmap>
@@ -25,10 +26,12 @@ private Q_SLOTS:
     void isTheDelegatesMaximum();
     void isTheDelegatesMaximumForEachCellAlone();
     void beginsAnewAfterEachColumn();
+    void keepsColumnsApart();
     void measuresFewOfManyTexts();
     void asksADerivedDelegateForEachCell();
     void asksTheDelegatesOfARowAndOfAColumn();
     void countsOnlyTheRowsThatAProxyLists();
+    void aResizeFitsEachColumnToItsCells();
 
 private:
     static void fill(CellModel& model, int row, QRandomGenerator& random);
@@ -157,6 +160,27 @@ void TestColumnWidth::beginsAnewAfterEachColumn()
     QCOMPARE(width.take(), delegate.sizeHint(option, model.index(1, 0)).width());
 }
 
+void TestColumnWidth::keepsColumnsApart()
+{
+    CellModel model({"a long text", "x", "text"});
+    const HItemDelegate delegate(nullptr);
+    const QStyleOptionViewItem option;
+    const auto hint = [&](int row) {
+        return delegate.sizeHint(option, model.index(row, 0)).width();
+    };
+    ColumnWidth width(&delegate, option);
+    width.add(model.index(1, 0), 2);
+    width.add(model.index(0, 0), 1);
+    width.add(model.index(2, 0), 2);
+    QCOMPARE(width.take(0), 0);
+    QCOMPARE(width.take(2), hint(2));
+    width.add(model.index(1, 0), 2);
+    QCOMPARE(width.take(1), hint(0));
+    QCOMPARE(width.take(1), 0);
+    QCOMPARE(width.take(2), hint(1));
+    QCOMPARE(width.take(3), 0);
+}
+
 void TestColumnWidth::measuresFewOfManyTexts()
 {
     QRandomGenerator random(3);
@@ -233,6 +257,13 @@ void TestColumnWidth::asksTheDelegatesOfARowAndOfAColumn()
     view.setItemDelegateForColumn(0, &column);
     QCOMPARE(view.sizeHintForColumn(0), 400);
     QCOMPARE(view.sizeHintForColumn(1), 300);
+    view.resizeColumnsToContents();
+    QCOMPARE(view.columnWidth(0), 400);
+    QCOMPARE(view.columnWidth(1), 300);
+    view.setItemDelegateForRow(1, nullptr);
+    view.resizeColumnsToContents();
+    QCOMPARE(view.columnWidth(0), 400);
+    QVERIFY(view.columnWidth(1) < 300);
 }
 
 void TestColumnWidth::countsOnlyTheRowsThatAProxyLists()
@@ -250,6 +281,53 @@ void TestColumnWidth::countsOnlyTheRowsThatAProxyLists()
     proxy.setFilterRegExp(QString("^short"));
     QVERIFY(view.sizeHintForColumn(0) < all);
     QCOMPARE(view.sizeHintForColumn(0), bruteForce(view, 0));
+}
+
+void TestColumnWidth::aResizeFitsEachColumnToItsCells()
+{
+    CellModel model(20, 4);
+    QRandomGenerator random(3);
+    for (int row = 0; row < 20; ++row) {
+        for (int column = 1; column < 4; ++column)
+            model.set(row, column, QString("word ").repeated(5 * column + random.bounded(20)));
+    }
+    model.set(7, 2, QString("word ").repeated(60));
+    HSortFilterProxyModel proxy(1, nullptr);
+    proxy.setSourceModel(&model);
+    HTableView view(QStyleOptionViewItem::Left, 1, 10, nullptr);
+    view.setModel(&proxy);
+    const auto isFit = [&](int column) {
+        return view.columnWidth(column) ==
+               qMax(bruteForce(view, column), view.horizontalHeader()->sectionSizeHint(column));
+    };
+    proxy.sort(1, Qt::DescendingOrder);
+    view.horizontalHeader()->moveSection(0, 3);
+    view.resizeColumnsToContents();
+    const int all = view.columnWidth(2);
+    for (int column = 0; column < 4; ++column)
+        QVERIFY2(isFit(column), "all rows listed");
+
+    proxy.setFilterKeyColumn(2);
+    proxy.setFilterRegExp(QString("^(word ){1,40}$"));
+    QVERIFY(proxy.rowCount() > 1);
+    QVERIFY(proxy.rowCount() < 20);
+    view.resizeColumnsToContents();
+    QVERIFY(view.columnWidth(2) < all);
+    for (int column = 0; column < 4; ++column)
+        QVERIFY2(isFit(column), "some rows listed");
+
+    // What was found must not outlive the resize.
+    proxy.setFilterRegExp(QString());
+    QCOMPARE(view.sizeHintForColumn(2), bruteForce(view, 2));
+    proxy.setFilterRegExp(QString("nowhere"));
+    QCOMPARE(view.sizeHintForColumn(2), bruteForce(view, 2));
+    view.resizeColumnsToContents();
+    QVERIFY2(isFit(2), "no rows listed");
+
+    view.setModel(&model);
+    view.resizeColumnsToContents();
+    for (int column = 0; column < 4; ++column)
+        QVERIFY2(isFit(column), "no proxy");
 }
 
 QTEST_MAIN(TestColumnWidth)
