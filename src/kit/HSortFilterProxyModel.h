@@ -39,10 +39,11 @@ protected:
 
     int secondaryColumn() const { return m_secondaryColumn; }
 
+    /// Resets the source model and sorts by the column and order in force.
+    void sortAnew();
+
 private:
     void setSourceModel(QAbstractItemModel* model) override;
-
-    void sortAnew();
 
     const int m_secondaryColumn;
     HAbstractTableModel* m_source = nullptr;

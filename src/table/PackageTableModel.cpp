@@ -44,6 +44,15 @@ int Model::columnCount(const QModelIndex&) const
     return ColumnCount;
 }
 
+QModelIndex Model::index(int row, int column, const QModelIndex& parent) const
+{
+    // Sorting asks for two of these a comparison, so there is no round trip through the bounds that
+    // the base asks for.
+    const bool exists = row >= 0 && column >= 0 && column < ColumnCount && !parent.isValid() &&
+                        row < yumIO->count();
+    return exists ? createIndex(row, column) : QModelIndex();
+}
+
 bool Model::isRow(const QModelIndex& index) const
 {
     return index.isValid() && index.row() < yumIO->count();
@@ -51,14 +60,31 @@ bool Model::isRow(const QModelIndex& index) const
 
 QVariant Model::data(const QModelIndex& index, int role) const
 {
-    if (!isRow(index) || index.column() >= ColumnCount)
+    const int column = index.column();
+    switch (role) {
+    case Qt::DisplayRole:
+        if (column < ColumnName)
+            return QVariant();
+        break;
+    case Qt::DecorationRole:
+        if (column > ColumnKind)
+            return QVariant();
+        break;
+    case Qt::ToolTipRole:
+    case Qt::ForegroundRole:
+    case Qt::UserRole:
+        break;
+    default:
+        // Measuring a column asks for many roles that there are no answers to.
+        return QVariant();
+    }
+    if (!isRow(index) || column >= ColumnCount)
         return QVariant();
 
-    const int column = index.column();
     Package::Entry* entry = (*yumIO)[index.row()];
     switch (role) {
     case Qt::DisplayRole:
-        return column < ColumnName ? QVariant() : QVariant(text(*entry, column));
+        return text(*entry, column);
     case Qt::DecorationRole:
         return icon(*entry, column);
     case Qt::ToolTipRole:

@@ -11,7 +11,7 @@ namespace PackageTable
 
 /// For the scope of a call to the base that filters anew and then resets the source.
 ///
-/// The base's first step compares its listing with the verdicts and tells views of each difference,
+/// Filtering anew compares its listing with the verdicts and tells views of each difference,
 /// row range by row range, which takes minutes where tens of thousands of rows come and go; the
 /// reset then makes all of that void. So up to the reset the base is told what it was told before,
 /// and verdicts are worked out once, after it.
@@ -149,12 +149,26 @@ void SortFilterProxyModel::clear()
 {
     clearCache();
     OwnReset scope(this);
-    HSortFilterProxyModel::clear();
+    // The reset makes the listing anew. To announce a new layout first, as the base does, would
+    // have views make one that nobody gets to see.
+    if (source)
+        sortAnew();
+    else
+        HSortFilterProxyModel::clear();
 }
 
 void SortFilterProxyModel::clearCache()
 {
     cache.clear();
+    expressionSet.reset();
+}
+
+/// Asked for each row, whereas the base hands out a copy of its expression.
+bool SortFilterProxyModel::hasExpression() const
+{
+    if (!expressionSet)
+        expressionSet = !filterRegExp().isEmpty();
+    return *expressionSet;
 }
 
 void SortFilterProxyModel::sort(int column, Qt::SortOrder order)
@@ -190,14 +204,14 @@ bool SortFilterProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex& so
         Package::Entry* entry = entryAt(sourceRow, sourceParent);
         if (!entry)
             return false;
-        const auto verdict = cache.constFind(entry);
-        if (verdict != cache.constEnd()) {
-            accepted = *verdict;
+        if (row < cache.size() && cache[row].entry == entry) {
+            accepted = cache[row].accepted;
         } else {
+            // May spin an event loop in which the cache is emptied.
             accepted = acceptRow(entry, sourceRow, sourceParent);
-            if (cache.isEmpty())
-                cache.reserve(yumIO->count());
-            cache.insert(entry, accepted);
+            if (cache.size() <= row)
+                cache.resize(qMax(row + 1, static_cast<size_t>(yumIO->count())));
+            cache[row] = {entry, accepted};
         }
     }
     told[row] = accepted;
@@ -230,9 +244,9 @@ bool SortFilterProxyModel::acceptRow(Package::Entry* entry, int sourceRow,
 
     switch (mode) {
     case ModeFilter:
-        return filterRegExp().isEmpty() || matchesRow(sourceRow, sourceParent);
+        return !hasExpression() || matchesRow(sourceRow, sourceParent);
     case ModeSearch:
-        if (filterRegExp().isEmpty())
+        if (!hasExpression())
             return true;
         switch (entry->kind) {
         case Package::KindGroup:

@@ -7,8 +7,7 @@
 #include "table/PackageTablePattern.h"
 #include "table/PackageTableRows.h"
 
-#include <QHash>
-
+#include <optional>
 #include <vector>
 
 class YumIO;
@@ -63,12 +62,18 @@ public Q_SLOTS:
 private:
     class OwnReset;
 
+    struct Verdict {
+        Package::Entry* entry = nullptr; ///< whom it is about; null where there is none yet
+        bool accepted = false;
+    };
+
     bool acceptRow(Package::Entry* entry, int sourceRow, const QModelIndex& sourceParent) const;
     bool matches(const QString& text) const;
     bool matchesRow(int sourceRow, const QModelIndex& sourceParent) const;
     bool matchesGroupFields(const Package::Entry& entry) const;
     bool matchesPackageFields(const Package::Entry& entry) const;
     bool isDirect(const QModelIndex& index) const;
+    bool hasExpression() const;
     Package::Entry* entryAt(int sourceRow, const QModelIndex& sourceParent) const;
     void sourceAboutToBeReset();
 
@@ -79,8 +84,9 @@ private:
     bool groups;
     YumIO* yumIO;
     HAbstractTableModel* source = nullptr;
-    const Model* direct = nullptr; ///< the source, if it shows the very rows of our engine
-    mutable QHash<Package::Entry*, bool> cache;
+    const Model* direct = nullptr;      ///< the source, if it shows the very rows of our engine
+    mutable std::vector<Verdict> cache; ///< by source row
+    mutable std::optional<bool> expressionSet; ///< goes with the cache
     Pattern pattern;
 
     mutable Rows rows;

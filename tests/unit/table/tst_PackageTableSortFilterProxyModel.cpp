@@ -76,6 +76,8 @@ private Q_SLOTS:
     void matchesAcrossNeighbouringColumnsInFilterMode();
     void matchesTheVersionMarker();
     void joinsTheTextsTheSameWayAsTheirModel();
+    void matchesTextsBeyondAscii();
+    void matchesNewTextsAfterACollection();
     void searchesFieldsThatTheTableDoesNotShow();
     void rejectsUnknownKindsInSearchMode();
     void anUnknownModeAcceptsWhatTheOtherTestsLetPass();
@@ -85,6 +87,7 @@ private Q_SLOTS:
     void doesNothingIfASettingStaysTheSame();
     void keepsColumnAndOrderOverAChange();
     void resetsRatherThanMovingRowsOneByOne();
+    void listsAnewOnceAChange();
     void worksOutEachVerdictOnceAPattern();
     void asksForEveryRowAfterANewPattern();
     void keepsVerdictsUntilTheyAreCleared();
@@ -96,6 +99,7 @@ private Q_SLOTS:
     void ordersByColumn();
     void ordersSizesAsWrappedNumbers();
     void ordersTextsByCodeUnits();
+    void ordersTextsThatBeginAlike();
     void ordersTheSameWayThroughTheModel();
     void ordersByNewActionsWhenSortedAgain();
     void anIndexWithoutAModelIsNotLess();
@@ -373,6 +377,41 @@ void TestPackageTableSortFilterProxyModel::joinsTheTextsTheSameWayAsTheirModel()
     QCOMPARE(listed(), QStringList({""}));
 }
 
+void TestPackageTableSortFilterProxyModel::matchesTextsBeyondAscii()
+{
+    const QString name = QString::fromUtf8("na\u00efve-\u4e00\U0001f600");
+    engine->add(name, StateInstallable)->repo = QString::fromUtf8("\u00fcbung");
+    engine->add("naive", StateInstallable);
+    model->reset();
+    for (const char* pattern :
+         {"^na\u00efve-\u4e00\U0001f600 1.0-1 \u00fcbung x86_64 ", "\u4e00", "bung x"}) {
+        proxy->setFilterRegExp(QString::fromUtf8(pattern));
+        QCOMPARE(listed(), QStringList({name}));
+    }
+}
+
+void TestPackageTableSortFilterProxyModel::matchesNewTextsAfterACollection()
+{
+    engine->add("first", StateInstallable);
+    engine->add("second", StateInstallable);
+    model->reset();
+    proxy->setFilterRegExp("i");
+    QCOMPARE(listed(), QStringList({"first"}));
+    // Rows go before a collection, and a change of filter may come meanwhile.
+    engine->removeAll();
+    proxy->setFilterRegExp("d");
+    proxy->setStateFilter(ViewInstallable);
+    proxy->sort(ColumnVersion);
+    QCOMPARE(listed(), QStringList());
+    engine->add("third", StateInstallable);
+    engine->add("fourth", StateInstallable);
+    engine->add("fifth", StateInstallable)->verRel = "0-1";
+    model->reset();
+    QCOMPARE(listed(), QStringList({"third"}));
+    proxy->setFilterRegExp("fi|th");
+    QCOMPARE(listed(), QStringList({"fifth", "fourth", "third"}));
+}
+
 void TestPackageTableSortFilterProxyModel::searchesFieldsThatTheTableDoesNotShow()
 {
     engine->add("bash", StateInstallable)->summary = "A shell";
@@ -482,6 +521,23 @@ void TestPackageTableSortFilterProxyModel::resetsRatherThanMovingRowsOneByOne()
     QCOMPARE(removed.count(), 0);
     QCOMPARE(inserted.count(), 0);
     QCOMPARE(reset.count(), 2);
+}
+
+void TestPackageTableSortFilterProxyModel::listsAnewOnceAChange()
+{
+    fillAtRandom(30);
+    CountingProxy own(ViewAll, true, true, engine);
+    own.setSourceModel(model);
+    QTableView view; // takes a new listing as soon as it is told of one
+    view.setModel(&own);
+    view.show();
+    own.asked.clear();
+    own.setStateFilter(ViewInstallable);
+    own.rowCount();
+    QCOMPARE(own.asked.size(), 30);
+    own.setFilter(false);
+    own.rowCount();
+    QCOMPARE(own.asked.size(), 60);
 }
 
 void TestPackageTableSortFilterProxyModel::worksOutEachVerdictOnceAPattern()
@@ -653,6 +709,31 @@ void TestPackageTableSortFilterProxyModel::ordersTextsByCodeUnits()
     model->reset();
     proxy->sort(ColumnName);
     QCOMPARE(listed(), QStringList({"Z", "a", "a10", "a9"}));
+}
+
+void TestPackageTableSortFilterProxyModel::ordersTextsThatBeginAlike()
+{
+    QStringList names{"",
+                      "a",
+                      "libreoffice",
+                      "libreoff",
+                      "libreoffi",
+                      "libreofg",
+                      QString::fromUtf8("a\0b", 3),
+                      QString::fromUtf8("a\0", 2),
+                      QString::fromUtf8("a\u00fez"),
+                      QString::fromUtf8("a\u00ffz"),
+                      QString::fromUtf8("a\u0100a"),
+                      QString::fromUtf8("a\u0101"),
+                      QString::fromUtf8("a\u4e00"),
+                      QString::fromUtf8("a\u00ff"),
+                      QString::fromUtf8("a\U0001f600")};
+    for (const QString& name : qAsConst(names))
+        engine->add(name, StateInstallable);
+    model->reset();
+    proxy->sort(ColumnName);
+    std::sort(names.begin(), names.end());
+    QCOMPARE(listed(), names);
 }
 
 void TestPackageTableSortFilterProxyModel::ordersTheSameWayThroughTheModel()
