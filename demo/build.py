@@ -319,13 +319,14 @@ class _Builder:
                 path.write_bytes(entry.bytes())
                 path.chmod(entry.mode)
         spec_file = top / (package.name + ".spec")
-        spec_file.write_text(spec(package), encoding="utf-8")
+        # Packages of old have texts in whatever encoding: lone surrogates stand for such bytes.
+        spec_file.write_text(spec(package), encoding="utf-8", errors="surrogateescape")
         macros = {
             "_topdir": top, "_tmppath": top, "stage": stage, "_buildhost": BUILD_HOST,
             "use_source_date_epoch_as_buildtime": 1, "clamp_mtime_to_source_date_epoch": 1,
             "source_date_epoch_from_changelog": 0, "_binary_payload": "w.ufdio", "debug_package": "%{nil}",
             "__spec_install_post": "%{nil}", "__check_files": "%{nil}", "_build_id_links": "none",
-            "_rpmfilename": "package.rpm", "_build_name_fmt": "package.rpm",
+            "_invalid_encoding_terminates_build": 0, "_rpmfilename": "package.rpm", "_build_name_fmt": "package.rpm",
         }
         command = ["rpmbuild", "-bb", "--target", package.arch + "-linux"]
         for name, value in macros.items():

@@ -45,9 +45,9 @@ SandboxServer::~SandboxServer()
         server.kill();
 }
 
-SandboxRoot::SandboxRoot()
+SandboxRoot::SandboxRoot(const QString& sandbox)
 {
-    run("cp", {"-a", QStringLiteral(VOK_SANDBOX "/root"), directory.path()});
+    run("cp", {"-a", sandbox + "/root", directory.path()});
     QDir(directory.path()).mkdir(QStringLiteral("tmp"));
     qputenv("VOKROOT", QFile::encodeName(directory.filePath(QStringLiteral("root"))));
     qputenv("TMPDIR", QFile::encodeName(directory.filePath(QStringLiteral("tmp"))));

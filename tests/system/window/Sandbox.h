@@ -24,7 +24,8 @@ private:
 class SandboxRoot
 {
 public:
-    SandboxRoot();
+    /// A copy of the root of this sandbox, by default the demo's.
+    explicit SandboxRoot(const QString& sandbox = QStringLiteral(VOK_SANDBOX));
 
     QString path(const QString& path) const { return directory.filePath("root/" + path); }
     /// The repository, which all tests share.

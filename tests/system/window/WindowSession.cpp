@@ -11,7 +11,8 @@
 
 #include <unistd.h>
 
-WindowSession::WindowSession()
+WindowSession::WindowSession(const QString& sandbox)
+    : SandboxRoot(sandbox)
 {
     errorOutput.open();
     savedErrorOutput = dup(STDERR_FILENO);

@@ -12,7 +12,7 @@
 class WindowSession : public SandboxRoot, public WindowDriver
 {
 public:
-    WindowSession();
+    explicit WindowSession(const QString& sandbox = QStringLiteral(VOK_SANDBOX));
     ~WindowSession() override;
 
     /// Answers the next requests for paths that match the shell pattern with a status, or as the
