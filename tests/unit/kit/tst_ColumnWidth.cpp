@@ -254,6 +254,8 @@ void TestColumnWidth::asksTheDelegatesOfARowAndOfAColumn()
     Wide column(400);
     view.setItemDelegateForRow(1, &row);
     QCOMPARE(view.sizeHintForColumn(0), 300);
+    view.resizeColumnsToContents();
+    QCOMPARE(view.columnWidth(0), 300);
     view.setItemDelegateForColumn(0, &column);
     QCOMPARE(view.sizeHintForColumn(0), 400);
     QCOMPARE(view.sizeHintForColumn(1), 300);

@@ -91,6 +91,7 @@ private Q_SLOTS:
     void worksOutEachVerdictOnceAPattern();
     void asksForEveryRowAfterANewPattern();
     void keepsVerdictsUntilTheyAreCleared();
+    void givesNoOtherEntryTheVerdictOfItsRow();
     void forgetsVerdictsBeforeNewEntriesCome();
     void stopsListeningToAModelThatItLeaves();
     void listsAllRowsWithFilteringOff();
@@ -582,6 +583,20 @@ void TestPackageTableSortFilterProxyModel::keepsVerdictsUntilTheyAreCleared()
     QVERIFY(!proxy->filterAcceptsRow(0, QModelIndex()));
     proxy->clearCache();
     QVERIFY(proxy->filterAcceptsRow(0, QModelIndex()));
+}
+
+void TestPackageTableSortFilterProxyModel::givesNoOtherEntryTheVerdictOfItsRow()
+{
+    engine->add("a", StateInstallable);
+    model->reset();
+    proxy->setDupsFilter(false);
+    QVERIFY(proxy->filterAcceptsRow(0, QModelIndex()));
+    Entry* other = TableEngine::make("b", StateInstallable);
+    other->duplicate = true;
+    engine->removeAll();
+    QVERIFY(!proxy->filterAcceptsRow(0, QModelIndex()));
+    engine->add(other);
+    QVERIFY(!proxy->filterAcceptsRow(0, QModelIndex()));
 }
 
 void TestPackageTableSortFilterProxyModel::forgetsVerdictsBeforeNewEntriesCome()
