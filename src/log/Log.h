@@ -10,7 +10,7 @@ namespace Log
 {
 
 /// What a line of the log is; it decides the line's colour.
-enum Kind {
+enum Kind : int {
     Plain = 0,   ///< what the script's loggers say, with a level; the engine's own progress lines
     Output = 1,  ///< captured standard output
     Warning = 2, ///< warnings

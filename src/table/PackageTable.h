@@ -5,20 +5,20 @@ namespace PackageTable
 {
 
 /// What a regular expression is compared to; the values of the mode combo box.
-enum Mode {
+enum Mode : int {
     ModeFilter = 0, ///< the texts that the table shows, joined by blanks
     ModeSearch = 1, ///< every field of a package, each by itself
 };
 
 /// Which rows are listed, by their state; the values of the state combo box.
-enum StateFilter {
+enum StateFilter : int {
     ViewUpdatable = 0,
     ViewInstallable = 1,
     ViewRemovable = 2,
     ViewAll = 3,
 };
 
-enum Column {
+enum Column : int {
     ColumnAction = 0,
     ColumnState = 1,
     ColumnKind = 2,
