@@ -11,10 +11,10 @@ namespace PackageTable
 
 /// For the scope of a call to the base that filters anew and then resets the source.
 ///
-/// Filtering anew compares its listing with the verdicts and tells views of each difference,
-/// row range by row range, which takes minutes where tens of thousands of rows come and go; the
-/// reset then makes all of that void. So up to the reset the base is told what it was told before,
-/// and verdicts are worked out once, after it.
+/// Filtering anew compares the listing with the verdicts and tells views of each difference, row
+/// range by row range, which takes minutes where tens of thousands of rows come and go; the reset
+/// then makes all of that void. So up to the reset the base is told what it was told before, and
+/// verdicts are worked out once, after it.
 class SortFilterProxyModel::OwnReset
 {
 public:
