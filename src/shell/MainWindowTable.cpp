@@ -69,9 +69,15 @@ void MainWindow::prepareFilterSearch()
     // initialize() comes here again when there is.
     if (!engineStarted)
         return;
+    // With everything at hand the switching would do no more than search for the last pattern
+    // once again.
+    if (engine->areFileListsCollected() && engine->areOtherDataCollected() &&
+        engine->areSearchTextsCollected())
+        return;
     proxy->setFilter(false);
     engine->collectFileLists();
     engine->collectOtherData();
+    engine->collectSearchTexts();
     proxy->setFilter(true);
 }
 

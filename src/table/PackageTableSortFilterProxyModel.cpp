@@ -292,6 +292,13 @@ bool SortFilterProxyModel::matchesGroupFields(const Package::Entry& entry) const
 
 bool SortFilterProxyModel::matchesPackageFields(const Package::Entry& entry) const
 {
+    // A load that failed has been reported before the search. Here it would be tried, and fail, for
+    // each row anew.
+    const QByteArray texts = yumIO->getSearchTexts(entry);
+    if (!texts.isNull())
+        return pattern.matchesAny(texts) ||
+               pattern.matches(yumIO->getFilesUtf8(entry, YumIO::LoadedOnly));
+
     return matches(yumIO->getName(entry)) || matches(yumIO->getVerRel(entry)) ||
            matches(yumIO->getRepo(entry)) || matches(yumIO->getArch(entry)) ||
            matches(yumIO->getSize(entry)) || matches(yumIO->getSummary(entry)) ||
@@ -302,8 +309,9 @@ bool SortFilterProxyModel::matchesPackageFields(const Package::Entry& entry) con
            matches(yumIO->getPackager(entry)) || matches(yumIO->getUrl(entry)) ||
            matches(yumIO->getRelocations(entry)) || matches(yumIO->getProvides(entry)) ||
            matches(yumIO->getRequires(entry)) || matches(yumIO->getConflicts(entry)) ||
-           matches(yumIO->getObsoletes(entry)) || pattern.matches(yumIO->getFilesUtf8(entry)) ||
-           matches(yumIO->getChangeLog(entry));
+           matches(yumIO->getObsoletes(entry)) ||
+           pattern.matches(yumIO->getFilesUtf8(entry, YumIO::LoadedOnly)) ||
+           matches(yumIO->getChangeLog(entry, YumIO::LoadedOnly));
 }
 
 static bool isOrderedByNumber(int column)

@@ -416,6 +416,58 @@ private Q_SLOTS:
         QCOMPARE(life.listed(), QStringList{"beta"});
     }
 
+    void aSearchIsPreparedOnce()
+    {
+        WindowLife life;
+        QVERIFY(life.start());
+        life.select("state", 3);
+        life.select("mode", 1);
+        life.calls();
+        // Each package but the chained one is a row.
+        life.filter("no such text");
+        QCOMPARE(life.calls().count("returnChangelog"), 3);
+        QCOMPARE(life.listed(), QStringList());
+        QSignalSpy resets(life.table()->model(), &QAbstractItemModel::modelReset);
+        life.filter("no such text either");
+        const QStringList calls = life.calls();
+        QCOMPARE(calls.count("returnChangelog"), 0);
+        QCOMPARE(calls.count("returnPrco"), 0);
+        QVERIFY(calls.contains("returnFileEntries"));
+        QCOMPARE(resets.count(), 1);
+    }
+
+    void aFailedLoadIsReportedOncePerSearch()
+    {
+        WindowLife life;
+        life.system["raise"] = QJsonObject{
+            {"collectFileLists",
+             QJsonObject{{"type", "YumBaseError"}, {"text", "unreachable"}, {"keep", true}}},
+            {"collectOtherData",
+             QJsonObject{{"type", "YumBaseError"}, {"text", "unreachable"}, {"keep", true}}}};
+        life.play();
+        QVERIFY(life.start());
+        life.select("state", 3);
+        life.select("mode", 1);
+        life.calls();
+        for (const char* data : {"filelists", "miscellaneous data"})
+            life.dialogs.expect("VOK Yum Error").textContains(data).press("Close");
+        life.filter("needle");
+        QVERIFY(life.dialogs.waitUntilDone());
+        QStringList calls = life.calls();
+        QCOMPARE(calls.count("collectFileLists"), 1);
+        QCOMPARE(calls.count("collectOtherData"), 1);
+        QCOMPARE(life.listed(), QStringList());
+        QVERIFY(life.ready());
+        // What there is is searched all the same.
+        for (const char* data : {"filelists", "miscellaneous data"})
+            life.dialogs.expect("VOK Yum Error").textContains(data).press("Close");
+        life.filter("gam*a");
+        QVERIFY(life.dialogs.waitUntilDone());
+        QCOMPARE(life.listed(), QStringList{"gamma"});
+        calls = life.calls();
+        QCOMPARE(calls.count("collectFileLists"), 1);
+    }
+
     void changingToSearchWithAPatternLoadsTheExtraDataAtOnce()
     {
         WindowLife life;

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "TableEngine.h"
 
+#include "progress/HProgressBar.h"
 #include "table/PackageTableDescription.h"
 #include "table/PackageTableModel.h"
 #include "table/PackageTableSortFilterProxyModel.h"
 
+#include <QRandomGenerator>
 #include <QTest>
 
 using namespace Package;
@@ -86,6 +88,15 @@ class FakeGroup:
         otherDataCollected = collected;
     }
 
+    QStringList logTexts()
+    {
+        QStringList texts;
+        const QMutexLocker locker(&logEntries.mutex);
+        for (const Log::Entry& entry : qAsConst(logEntries.entries))
+            texts += entry.text;
+        return texts;
+    }
+
     ~ScriptedEngine() override
     {
         PyGILStateWrapper lock(true);
@@ -113,6 +124,11 @@ private Q_SLOTS:
     void doesNotMatchAcrossFields();
     void matchesCaseSensitively();
 
+    void preparedTextsAreAskedOfNobody();
+    void preparedTextsDoNotMatchAcrossFields();
+    void preparedTextsGiveTheSameVerdicts();
+    void aMissingLoadIsNotTriedForEachRow();
+
     void describesAllFieldsOfAPackage();
     void describesExtraDataOnlyIfItIsAtHand();
     void describesAGroup();
@@ -127,6 +143,18 @@ private:
         return names;
     }
 
+    /// Names of the packages, each once, that a pattern lists.
+    QStringList found(const QString& pattern)
+    {
+        proxy->setFilterRegExp(pattern);
+        QStringList names = listed();
+        names.sort();
+        return names;
+    }
+
+    QWidget window;
+    HProgressBar totalBar;
+    HProgressBar itemBar;
     ScriptedEngine* engine = nullptr;
     Model* model = nullptr;
     SortFilterProxyModel* proxy = nullptr;
@@ -142,6 +170,7 @@ void TestPackageTableSearch::init()
 {
     engine = new ScriptedEngine;
     QVERIFY(engine->start());
+    engine->setup(&window, &totalBar, &itemBar);
     model = new Model(engine);
     proxy = new SortFilterProxyModel(ViewAll, true, true, engine);
     proxy->setSourceModel(model);
@@ -252,6 +281,91 @@ void TestPackageTableSearch::matchesCaseSensitively()
     QCOMPARE(listed(), QStringList());
     proxy->setFilterRegExp("Apple");
     QCOMPARE(listed(), QStringList({"bash"}));
+}
+
+void TestPackageTableSearch::preparedTextsAreAskedOfNobody()
+{
+    engine->addPackage("with", "FakePackage(description='a', changelog='xNeedlex')");
+    engine->addPackage("files", "FakePackage(files='/bin/Needle /bin/other')");
+    engine->addPackage("without", "FakePackage()", KindSuite);
+    engine->addPackage("group", "FakeGroup(default_packages=['Needle'])", KindGroup);
+    QVERIFY(engine->collectSearchTexts());
+    engine->takeAsked();
+    QCOMPARE(found("Needle"), QStringList({"files", "group", "with"}));
+    QStringList asked = engine->takeAsked();
+    QCOMPARE(asked.removeAll("files"), 2);
+    // Groups are few, and prepared in no way.
+    QCOMPARE(asked, QStringList({"mandatory_packages", "default_packages"}));
+}
+
+void TestPackageTableSearch::preparedTextsDoNotMatchAcrossFields()
+{
+    engine->addPackage("bash", "FakePackage(description='end', group='start')")->verRel = "5.0-1";
+    QVERIFY(engine->collectSearchTexts());
+    for (const char* pattern :
+         {"bash 5", "bash5", "bash.5", "end.?start", "endstart", "end[^x]start", "end[^x]*start"}) {
+        proxy->setFilterRegExp(pattern);
+        QCOMPARE(listed(), QStringList());
+    }
+    for (const char* pattern : {"^start$", "^bash$", "end$", "^end"}) {
+        proxy->setFilterRegExp(pattern);
+        QCOMPARE(listed(), QStringList({"bash"}));
+    }
+}
+
+void TestPackageTableSearch::preparedTextsGiveTheSameVerdicts()
+{
+    // Texts of few characters, with line ends, letters of several bytes, NULs and nothing at all.
+    const QStringList pieces{"a", "b", "/", "1", ".", "\\n", "\\xe9", "\\u20ac", "\\x00", "ab"};
+    QRandomGenerator random(20010203);
+    const auto compose = [&random](const QStringList& from, int count) {
+        QString text;
+        for (int i = 0; i < count; ++i)
+            text += from[random.bounded(from.size())];
+        return text;
+    };
+    for (int i = 0; i < 30; ++i) {
+        QString fields;
+        for (const QString& field : packageFields)
+            fields += QString("%1='%2',").arg(field, compose(pieces, random.bounded(4)));
+        Entry* entry =
+            engine->addPackage(QString("p%1").arg(i), qPrintable("FakePackage(" + fields + ")"),
+                               random.bounded(2) ? KindOrdinary : KindSuite);
+        entry->summary = compose({"a", "b", "\n", QString::fromUtf8("\xc3\xa9")}, 3);
+    }
+    model->reset();
+
+    QStringList patterns{"^$", "q*", "^\n", "ab", "(", "[^a]", "[^ab]*$"};
+    const QStringList parts{"a", "b", "/",  "[0-9]", ".", ".*", "[^a]*",
+                            "+", "^", "$",  "[ab]",  "|", "\n", QString::fromUtf8("\xc3\xa9"),
+                            "(", ")", "{2}"};
+    while (patterns.size() < 400)
+        patterns += compose(parts, 3 + random.bounded(6));
+
+    QList<QStringList> expected;
+    int some = 0;
+    for (const QString& pattern : qAsConst(patterns)) {
+        expected += found(pattern);
+        some += !expected.last().isEmpty() && expected.last().size() < 30;
+    }
+    QVERIFY2(some > 30, qPrintable(QString::number(some)));
+    QVERIFY(engine->collectSearchTexts());
+    for (int i = 0; i < patterns.size(); ++i)
+        QVERIFY2(found(patterns[i]) == expected[i], qPrintable(patterns[i]));
+}
+
+void TestPackageTableSearch::aMissingLoadIsNotTriedForEachRow()
+{
+    for (int i = 0; i < 3; ++i)
+        engine->addPackage("package", "FakePackage(files='/bin/Needle', changelog='Needle')");
+    engine->setExtraDataCollected(false);
+    QCOMPARE(found("Needle"), QStringList());
+    QVERIFY(!engine->takeAsked().contains("files"));
+    QCOMPARE(engine->logTexts(), QStringList());
+    // What isn't there is an empty text, as it is after a load that failed.
+    QCOMPARE(found("^(Needle)?$").size(), 3);
+    engine->setExtraDataCollected(true);
+    QCOMPARE(found("Needle").size(), 3);
 }
 
 void TestPackageTableSearch::describesAllFieldsOfAPackage()
