@@ -55,9 +55,14 @@ def rows(cold, warm, search):
     yield ('GUI thread silent, file lists', search['search.load-file-lists-gui-gap'], 'ms', None,
            'value', 100)
     yield ('change logs, loading', search['search.load-other-data'], 'ms', None, '', None)
+    yield ('search, preparing', search['search.prepare'], 'ms', None, '', None)
+    yield ('GUI thread silent, preparing', search['search.prepare-gui-gap'], 'ms', None, 'value',
+           100)
     number = 1
     while 'grep.pattern-%d' % number in search:
-        yield ('search, pattern %d (%d rows)' % (number, search['search.pattern-%d.rows' % number]),
+        yield ('search, pattern %d (%d rows, %d lines)' % (
+                   number, search['search.pattern-%d.rows' % number],
+                   search['grep.pattern-%d.lines' % number]),
                search['search.pattern-%d' % number], 'ms', search['grep.pattern-%d' % number],
                'ratio', 10.0)
         number += 1
@@ -69,7 +74,7 @@ def main(folder):
     warm = [read(path) for path in sorted(folder.glob('warm*'))]
     search = read(folder / 'search')
     print('%d rows, %d warm runs' % (cold['collect.rows'], len(warm)))
-    form = '%-36s %10s %10s  %-4s %10s %8s  %s'
+    form = '%-46s %10s %10s  %-4s %10s %8s  %s'
     print(form % ('figure', 'value', 'floor', 'unit', 'measure', 'limit', ''))
     for what, value, unit, floor, kind, limit in rows(cold, warm, search):
         measured = {'ratio': lambda: value / floor, 'difference': lambda: value - floor,

@@ -97,7 +97,6 @@ void dumpText(YumIO& engine, const QString& path)
         &YumIO::getLicense,     &YumIO::getPackager,    &YumIO::getUrl,
         &YumIO::getProvides,    &YumIO::getRelocations, &YumIO::getRequires,
         &YumIO::getConflicts,   &YumIO::getObsoletes,   &YumIO::getFiles,
-        &YumIO::getChangeLog,
     };
     for (const Package::Entry* entry : engine) {
         QString text;
@@ -107,6 +106,7 @@ void dumpText(YumIO& engine, const QString& path)
         if (entry->kind != Package::KindGroup) {
             for (const Getter getter : getters)
                 text += (engine.*getter)(*entry) + QLatin1Char('\n');
+            text += engine.getChangeLog(*entry) + QLatin1Char('\n');
         }
         file.write(text.toUtf8());
     }
@@ -211,6 +211,14 @@ int main(int argc, char** argv)
                    std::exit(1);
            }),
            "ms");
+    report("search.prepare", milliseconds([&] {
+               Heartbeat heartbeat;
+               if (!engine.collectSearchTexts())
+                   std::exit(1);
+               gap = heartbeat.longestGap();
+           }),
+           "ms");
+    report("search.prepare-gui-gap", gap, "ms");
     proxy.setMode(PackageTable::ModeSearch);
     int number = 0;
     for (const QString& pattern : patterns) {
