@@ -334,8 +334,11 @@ void YumIO::dropEntries()
 
 bool YumIO::collect(const QHash<QString, bool>& usedRepos)
 {
-    if (!working)
+    if (!working) {
         searchTexts.reset();
+        fileListsFailed = false;
+        otherDataFailed = false;
+    }
     QEventLoop loop;
     CollectThread thread(this, loop, usedRepos);
     execWorkThread(loop, thread);
@@ -348,7 +351,10 @@ bool YumIO::collectFileLists()
         return true;
     QEventLoop loop;
     CollectFileListsThread thread(this, loop);
+    const bool refused = working;
     execWorkThread(loop, thread);
+    if (!refused)
+        fileListsFailed = !thread.result;
     return thread.result;
 }
 
@@ -358,7 +364,10 @@ bool YumIO::collectOtherData()
         return true;
     QEventLoop loop;
     CollectOtherDataThread thread(this, loop);
+    const bool refused = working;
     execWorkThread(loop, thread);
+    if (!refused)
+        otherDataFailed = !thread.result;
     return thread.result;
 }
 

@@ -172,11 +172,10 @@ public:
 
     // ---- YumIOExtra.cpp: file lists, change logs, relations -------------------------------------
 
-    /// Whether a getter that finds its data missing loads it, which spins a local event loop, or
-    /// takes that for no data.
+    /// What a getter does that finds its data missing.
     enum Loading {
-        MayLoad,
-        LoadedOnly,
+        MayLoad,         ///< loads it, which spins a local event loop
+        NotAfterFailure, ///< the same, but takes it for empty where the last load has failed
     };
 
     /// One path a line, sorted.
@@ -450,6 +449,8 @@ protected:
     int exceptLogStart = -1; ///< log length when an exception was last expected; -1 for none
     bool fileListsCollected = false;
     bool otherDataCollected = false;
+    bool fileListsFailed = false; ///< the last load since the collection has; GUI thread
+    bool otherDataFailed = false;
     QWidget* parentWidget = nullptr;
     YumIODialogs* dialogs = nullptr;     ///< of the thread that runs the engine; not owned
     YumIODialogs* guiDialogs = nullptr;  ///< of the GUI thread; owned

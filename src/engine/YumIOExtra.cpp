@@ -165,7 +165,7 @@ QByteArray YumIO::getFilesUtf8(const Package::Entry& entry, Loading loading)
         if (!PyObject_HasAttrString(entry.pyObject, "_loadFiles") &&
             !PyObject_HasAttrString(entry.pyObject, "files"))
             return QByteArray();
-        if (!fileListsCollected && loading == LoadedOnly)
+        if (!fileListsCollected && fileListsFailed && loading == NotAfterFailure)
             return QByteArray();
         // The load gives the lock away once, so no more than one level of it may be held here.
         lock.release();
@@ -248,7 +248,7 @@ QString YumIO::getChangeLog(const Package::Entry& entry, Loading loading)
 
     if (!PyObject_HasAttrString(package, "changelog"))
         return QString();
-    if (!otherDataCollected && loading == LoadedOnly)
+    if (!otherDataCollected && otherDataFailed && loading == NotAfterFailure)
         return QString();
     lock.release();
     const bool loaded = collectOtherData();

@@ -82,6 +82,9 @@ void MainWindow::initialize()
         initialized = true;
         return;
     }
+    // A message about the files belongs over the window, where the window manager has put it by
+    // now.
+    QEventLoop().processEvents(QEventLoop::ExcludeUserInputEvents);
     conf->read(this);
     engine->collect(usedRepos);
     model->reset();
@@ -147,6 +150,9 @@ void MainWindow::collectAnew()
 {
     engine->clear();
     engine->collect(usedRepos);
+    // The table is about to search the new entries, which would load the same row by row.
+    if (inSearchMode() && !proxy->filterRegExp().isEmpty())
+        collectSearched();
     model->reset();
 }
 

@@ -158,6 +158,8 @@ private:
     bool inSearchMode() const;
     /// Loads what only a search looks at, if there is something to search for.
     void prepareFilterSearch();
+    /// Loads what a search looks at. Failures have been reported, and the search does without.
+    void collectSearched();
     void anyFilterChanged();
     void warnConfigure();
     void warnUnlistedActions();

@@ -75,10 +75,15 @@ void MainWindow::prepareFilterSearch()
         engine->areSearchTextsCollected())
         return;
     proxy->setFilter(false);
+    collectSearched();
+    proxy->setFilter(true);
+}
+
+void MainWindow::collectSearched()
+{
     engine->collectFileLists();
     engine->collectOtherData();
     engine->collectSearchTexts();
-    proxy->setFilter(true);
 }
 
 void MainWindow::modeChanged(int index)

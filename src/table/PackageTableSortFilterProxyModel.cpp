@@ -292,12 +292,11 @@ bool SortFilterProxyModel::matchesGroupFields(const Package::Entry& entry) const
 
 bool SortFilterProxyModel::matchesPackageFields(const Package::Entry& entry) const
 {
-    // A load that failed has been reported before the search. Here it would be tried, and fail, for
-    // each row anew.
+    // A load that failed has been reported once. Here it would be tried, and fail, for each row.
     const QByteArray texts = yumIO->getSearchTexts(entry);
     if (!texts.isNull())
         return pattern.matchesAny(texts) ||
-               pattern.matches(yumIO->getFilesUtf8(entry, YumIO::LoadedOnly));
+               pattern.matches(yumIO->getFilesUtf8(entry, YumIO::NotAfterFailure));
 
     return matches(yumIO->getName(entry)) || matches(yumIO->getVerRel(entry)) ||
            matches(yumIO->getRepo(entry)) || matches(yumIO->getArch(entry)) ||
@@ -310,8 +309,8 @@ bool SortFilterProxyModel::matchesPackageFields(const Package::Entry& entry) con
            matches(yumIO->getRelocations(entry)) || matches(yumIO->getProvides(entry)) ||
            matches(yumIO->getRequires(entry)) || matches(yumIO->getConflicts(entry)) ||
            matches(yumIO->getObsoletes(entry)) ||
-           pattern.matches(yumIO->getFilesUtf8(entry, YumIO::LoadedOnly)) ||
-           matches(yumIO->getChangeLog(entry, YumIO::LoadedOnly));
+           pattern.matches(yumIO->getFilesUtf8(entry, YumIO::NotAfterFailure)) ||
+           matches(yumIO->getChangeLog(entry, YumIO::NotAfterFailure));
 }
 
 static bool isOrderedByNumber(int column)

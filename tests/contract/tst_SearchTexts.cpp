@@ -231,8 +231,9 @@ private Q_SLOTS:
         QCOMPARE(textsOf("b").size(), 22);
     }
 
-    void withoutLoadingMissingDataIsNoData()
+    void afterAFailedLoadMissingDataIsEmptyWhereTheCallerSaysSo()
     {
+        const QJsonObject gone{{"type", "YumBaseError"}, {"text", "gone"}};
         contract->play(
             {{"available", QJsonArray{Contract::package(
                                "a", {{"files", QJsonArray{"/a"}},
@@ -243,20 +244,49 @@ private Q_SLOTS:
                                                    {"DIRINDEXES", 0},
                                                    {"CHANGELOGNAME", QJsonArray{"me"}},
                                                    {"CHANGELOGTIME", 0},
-                                                   {"CHANGELOGTEXT", QJsonArray{"- did"}}})}}});
+                                                   {"CHANGELOGTEXT", QJsonArray{"- did"}}})}},
+             {"raise", QJsonObject{{"collectFileLists", gone}, {"collectOtherData", gone}}}});
         QVERIFY(contract->collect());
         YumIO& engine = contract->engine();
-        const Package::Entry& available = *contract->row("a");
-        const Package::Entry& installed = *contract->row("b");
-        QCOMPARE(engine.getFilesUtf8(available, YumIO::LoadedOnly), QByteArray());
-        QCOMPARE(engine.getChangeLog(available, YumIO::LoadedOnly), QString());
-        QCOMPARE(engine.getFilesUtf8(installed, YumIO::LoadedOnly), QByteArray("/b"));
-        QVERIFY(!engine.getChangeLog(installed, YumIO::LoadedOnly).isEmpty());
-        QCOMPARE(contract->callCount("collectFileLists"), 0);
-        QCOMPARE(contract->callCount("collectOtherData"), 0);
+        const auto files = [&](const char* name) {
+            return engine.getFilesUtf8(*contract->row(name), YumIO::NotAfterFailure);
+        };
+        const auto changes = [&](const char* name) {
+            return engine.getChangeLog(*contract->row(name), YumIO::NotAfterFailure);
+        };
+        driver->expect("VOK Yum Error").textContains("filelists").press("Close");
+        driver->expect("VOK Yum Error").textContains("miscellaneous data").press("Close");
+        // The first need loads, as ever; the next ones do not.
+        for (int i = 0; i < 3; ++i) {
+            QCOMPARE(files("a"), QByteArray());
+            QCOMPARE(changes("a"), QString());
+        }
+        QCOMPARE(contract->callCount("collectFileLists"), 1);
+        QCOMPARE(contract->callCount("collectOtherData"), 1);
+        QCOMPARE(files("b"), QByteArray("/b"));
+        QVERIFY(!changes("b").isEmpty());
+
         QVERIFY(engine.collectFileLists() && engine.collectOtherData());
-        QCOMPARE(engine.getFilesUtf8(available, YumIO::LoadedOnly), QByteArray("/a"));
-        QVERIFY(!engine.getChangeLog(available, YumIO::LoadedOnly).isEmpty());
+        QCOMPARE(files("a"), QByteArray("/a"));
+        QVERIFY(!changes("a").isEmpty());
+    }
+
+    void aCollectionForgetsAFailedLoad()
+    {
+        const QJsonObject gone{{"type", "YumBaseError"}, {"text", "gone"}, {"keep", true}};
+        contract->play(
+            {{"available", QJsonArray{Contract::package("a")}},
+             {"raise", QJsonObject{{"collectFileLists", gone}, {"collectOtherData", gone}}}});
+        for (int i = 0; i < 2; ++i) {
+            contract->engine().clearEntries();
+            QVERIFY(contract->collect());
+            driver->expect("VOK Yum Error").textContains("filelists").press("Close");
+            driver->expect("VOK Yum Error").textContains("miscellaneous data").press("Close");
+            contract->engine().getFilesUtf8(*contract->row("a"), YumIO::NotAfterFailure);
+            contract->engine().getChangeLog(*contract->row("a"), YumIO::NotAfterFailure);
+        }
+        QCOMPARE(contract->callCount("collectFileLists"), 2);
+        QCOMPARE(contract->callCount("collectOtherData"), 2);
     }
 
 private:

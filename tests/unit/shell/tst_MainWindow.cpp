@@ -412,8 +412,11 @@ private Q_SLOTS:
         life.filter("bin/needle");
         life.calls();
         life.click("refresh");
-        QVERIFY(life.calls().contains("collectFileLists"));
+        const QStringList refreshed = life.calls();
+        QCOMPARE(refreshed.count("collectFileLists"), 1);
         QCOMPARE(life.listed(), QStringList{"beta"});
+        // A refresh searches what has been prepared, too.
+        QCOMPARE(refreshed.count("returnChangelog"), 3);
     }
 
     void aSearchIsPreparedOnce()
