@@ -7,6 +7,7 @@ the next collection makes a new one, after `end` has closed the last.
 
 import logging
 import os
+import resource
 
 import dnf
 import dnf.conf
@@ -30,6 +31,8 @@ LOGGER = logging.getLogger('dnf')
 CACHEDIR = '/var/cache/yum'
 REPOSDIRS = ('/etc/yum.repos.d', '/etc/yum/repos.d')
 RPM_DBPATH = '/var/lib/rpm'
+# More than the program has open besides the repositories' files.
+_OTHER_FILES = 256
 
 _CURRENT = []
 
@@ -249,6 +252,7 @@ class System:
         if not self._has_database:
             LOGGER.warning('There was no package database at %s; nothing counts as installed',
                            _database_path())
+        _allow_open_files(len(list(self.base.repos.iter_enabled())))
         try:
             self._update(ask)
             self.base.fill_sack()
@@ -327,6 +331,17 @@ def end_current():
     """Ends the system of the last collection, if any: plugins exist once in a process."""
     while _CURRENT:
         _CURRENT[-1].end()
+
+
+def _allow_open_files(repositories):
+    """Raises the process's limit where it is too low: the library keeps a file of each repository
+    open as long as its packages are in use."""
+    soft, hard = resource.getrlimit(resource.RLIMIT_NOFILE)
+    wanted = repositories + _OTHER_FILES
+    if hard != resource.RLIM_INFINITY:
+        wanted = min(wanted, hard)
+    if soft != resource.RLIM_INFINITY and soft < wanted:
+        resource.setrlimit(resource.RLIMIT_NOFILE, (wanted, hard))
 
 
 def _database_path():
