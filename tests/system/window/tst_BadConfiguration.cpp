@@ -32,8 +32,13 @@ private:
     /// same.
     static void readerComplains(WindowSession& user, const QString& text)
     {
-        user.dialogs.expect("VOK Repository Editor Error").text(text).press("OK");
+        QRect place;
+        user.dialogs.expect("VOK Repository Editor Error")
+            .text(text)
+            .act([&](QWidget* dialog) { place = dialog->frameGeometry(); })
+            .press("OK");
         QVERIFY(user.start());
+        QVERIFY2(place.intersects(user.window().frameGeometry()), "the message was elsewhere");
         QVERIFY(user.dialogs.waitUntilDone());
         QVERIFY(user.listedAll().contains("edwin"));
         QVERIFY(user.listed().contains("almanac"));
