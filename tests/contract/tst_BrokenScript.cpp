@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/Contract.h"
+#include "contract/ContractTest.h"
 #include "support/DialogDriver.h"
 
 #include <QtTest>
@@ -15,20 +15,11 @@ const QString yumWarning = QStringLiteral("VOK Yum Warning");
 } // namespace
 
 /// A script that lacks what it must have is named, and work goes on as far as it can.
-class TestBrokenScript : public QObject
+class TestBrokenScript : public ContractTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
-    {
-        driver->verify();
-        driver.reset();
-    }
-
     void aCollectionWithoutAScriptObjectFails_data()
     {
         QTest::addColumn<bool>("locked");
@@ -141,10 +132,6 @@ private Q_SLOTS:
         QCOMPARE(driver->driven(), 0);
         contract = std::make_unique<Contract>();
     }
-
-private:
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
 };
 
 QTEST_MAIN(TestBrokenScript)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/Contract.h"
+#include "contract/ContractTest.h"
 #include "support/DialogDriver.h"
 
 #include <QSignalSpy>
@@ -30,20 +30,11 @@ QJsonObject raised(const char* method, const char* type, const char* text = "tol
 
 } // namespace
 
-class TestCollection : public QObject
+class TestCollection : public ContractTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
-    {
-        driver->verify();
-        driver.reset();
-    }
-
     void callsTheScriptInOrder()
     {
         contract->play({{"repos", QJsonObject{{"base", QJsonObject{{"enabled", 1}}}}}});
@@ -579,10 +570,6 @@ private Q_SLOTS:
                                      "Collecting installed and available packages 19000 1",
                                      "Collecting groups 23000 1"}));
     }
-
-private:
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
 };
 
 QTEST_MAIN(TestCollection)

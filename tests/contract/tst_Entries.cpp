@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/Contract.h"
+#include "contract/ContractTest.h"
 #include "support/DialogDriver.h"
 
 #include <QFile>
@@ -32,20 +32,11 @@ QByteArray standardErrorOf(const std::function<void()>& function)
 
 } // namespace
 
-class TestEntries : public QObject
+class TestEntries : public ContractTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
-    {
-        driver->verify();
-        driver.reset();
-    }
-
     void anEntryWithoutAnObjectIsDestroyedSilently()
     {
         const QByteArray text = standardErrorOf([] {
@@ -345,10 +336,6 @@ private Q_SLOTS:
         QCOMPARE(engine.entryHash.size(), size + 1);
         QVERIFY(engine.entryHash.contains(YumIO::EntryKey(false, "a", "noarch")));
     }
-
-private:
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
 };
 
 QTEST_MAIN(TestEntries)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/Contract.h"
+#include "contract/ContractTest.h"
 #include "support/DialogDriver.h"
 
 #include <QSignalSpy>
@@ -24,20 +24,11 @@ QString dated(long time, const char* rest)
 
 } // namespace
 
-class TestExtraData : public QObject
+class TestExtraData : public ContractTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
-    {
-        driver->verify();
-        driver.reset();
-    }
-
     // ---- Loading
 
     void aLoadRunsOnceOnAWorkThread_data()
@@ -450,9 +441,6 @@ private:
         return method == "collectFileLists" ? contract->engine().getFiles(entry)
                                             : contract->engine().getChangeLog(entry);
     }
-
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
 };
 
 QTEST_MAIN(TestExtraData)

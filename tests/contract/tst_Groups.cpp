@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/Contract.h"
+#include "contract/ContractTest.h"
 #include "support/DialogDriver.h"
 
 #include <QtTest>
@@ -24,20 +24,11 @@ QJsonObject systemWith(const QString& version, const QJsonArray& groups)
 
 } // namespace
 
-class TestGroups : public QObject
+class TestGroups : public ContractTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
-    {
-        driver->verify();
-        driver.reset();
-    }
-
     void stateFollowsInstalledAndMandatoryPackages_data()
     {
         QTest::addColumn<QString>("version");
@@ -318,10 +309,6 @@ private Q_SLOTS:
         QVERIFY(!contract->engine().getGroupItem_25(*contract->row("g"), "default_packages"));
         QCOMPARE(driver->driven(), 2);
     }
-
-private:
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
 };
 
 QTEST_MAIN(TestGroups)

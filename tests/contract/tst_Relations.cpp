@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/Contract.h"
+#include "contract/ContractTest.h"
 #include "support/DialogDriver.h"
 
 #include <QtTest>
@@ -13,20 +13,11 @@ const QString yumError = QStringLiteral("VOK Yum Error");
 
 } // namespace
 
-class TestRelations : public QObject
+class TestRelations : public ContractTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
-    {
-        driver->verify();
-        driver.reset();
-    }
-
     void relationsOfARepositoryPackage_data()
     {
         QTest::addColumn<QJsonArray>("relation");
@@ -218,10 +209,6 @@ private Q_SLOTS:
         driver->expect(yumError).text("Internal error: cannot find rpm.RPMTAG_NOSUCH").press("OK");
         QVERIFY(!contract->engine().getRpmHdrValue(contract->row("a")->pyObject, "NOSUCH"));
     }
-
-private:
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
 };
 
 QTEST_MAIN(TestRelations)

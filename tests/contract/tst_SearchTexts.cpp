@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/Contract.h"
+#include "contract/ContractTest.h"
 #include "support/DialogDriver.h"
 
 #include <QtTest>
@@ -10,20 +10,11 @@
 
 #include <sys/resource.h>
 
-class TestSearchTextsOfTheScript : public QObject
+class TestSearchTextsOfTheScript : public ContractTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
-    {
-        driver->verify();
-        driver.reset();
-    }
-
     void theyHoldAllFieldsButTheFiles()
     {
         const QJsonObject prco{
@@ -301,9 +292,6 @@ private:
     {
         return contract->engine().getSearchTexts(*contract->row(name)).split('\0');
     }
-
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
 };
 
 QTEST_MAIN(TestSearchTextsOfTheScript)

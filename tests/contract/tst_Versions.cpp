@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/Contract.h"
+#include "contract/ContractTest.h"
 #include "support/DialogDriver.h"
 
 #include <QtTest>
@@ -15,20 +15,11 @@ const QString walkbackStart =
 
 } // namespace
 
-class TestVersions : public QObject
+class TestVersions : public ContractTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
-    {
-        driver->verify();
-        driver.reset();
-    }
-
     void versionTextsAsNumbers_data()
     {
         QTest::addColumn<QString>("text");
@@ -294,9 +285,6 @@ private:
             return engine.cleanXmlMetadata();
         return method == "cleanPickles" ? engine.cleanPickledCache() : engine.cleanSqliteCache();
     }
-
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
 };
 
 QTEST_MAIN(TestVersions)
