@@ -30,12 +30,13 @@ enum Kind : qint32 {
 };
 
 /// One row of the package table: what the table shows as plain values, and the script's object for
-/// everything else. Owned by YumIO. Written on a work thread before it is published, then read-only but
-/// for `action`, which the GUI thread sets.
+/// everything else. Owned by YumIO. Written on a work thread before it is published, then read-only
+/// but for `action`, which the GUI thread sets.
 struct Entry {
     Entry() = default;
-    /// Deletes the chain behind it. An entry should hold no object by then: the reference is given up
-    /// under the interpreter lock beforehand. One that does is told on standard error, once a process.
+    /// Deletes the chain behind it. An entry should hold no object by then: the reference is given
+    /// up under the interpreter lock beforehand. One that does is told on standard error, once a
+    /// process.
     ~Entry();
     Entry(const Entry&) = delete;
     Entry& operator=(const Entry&) = delete;
