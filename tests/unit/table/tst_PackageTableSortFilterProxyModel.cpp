@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "TableEngine.h"
-
-#include "table/PackageTableModel.h"
-#include "table/PackageTableSortFilterProxyModel.h"
+#include "ProxyTest.h"
 
 #include <QAbstractItemModelTester>
-#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTest>
@@ -15,51 +11,11 @@
 using namespace Package;
 using namespace PackageTable;
 
-/// Counts how often the base or the proxy itself asks for a verdict.
-class CountingProxy : public SortFilterProxyModel
-{
-public:
-    using SortFilterProxyModel::SortFilterProxyModel;
-
-    bool filterAcceptsRow(int row, const QModelIndex& parent) const override
-    {
-        asked.append(row);
-        return SortFilterProxyModel::filterAcceptsRow(row, parent);
-    }
-
-    mutable QList<int> asked;
-};
-
-/// Takes the way through virtual operations and variants, as any derived class does.
-class DerivedProxy : public SortFilterProxyModel
-{
-public:
-    using SortFilterProxyModel::SortFilterProxyModel;
-};
-
-/// Hands out the entries by the model's interface only, and counts the texts that it builds.
-class IndirectModel : public Model
-{
-public:
-    using Model::Model;
-
-    QVariant data(const QModelIndex& index, int role) const override
-    {
-        displayed += role == Qt::DisplayRole;
-        return Model::data(index, role);
-    }
-
-    mutable int displayed = 0;
-};
-
-class TestPackageTableSortFilterProxyModel : public QObject
+class TestPackageTableSortFilterProxyModel : public ProxyTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void keepsTheRulesOfModels();
     void keepsTheRulesOfModelsUnderAView();
     void listsByState_data();
@@ -67,7 +23,6 @@ private Q_SLOTS:
     void hidesDuplicatesIfTold();
     void hidesGroupsIfTold();
     void listsAnActionOfAnotherStateNot();
-
     void anyTextPatternsLeaveAnEmptyExpression_data();
     void anyTextPatternsLeaveAnEmptyExpression();
     void buildsNoTextForAnEmptyExpression();
@@ -81,7 +36,6 @@ private Q_SLOTS:
     void searchesFieldsThatTheTableDoesNotShow();
     void rejectsUnknownKindsInSearchMode();
     void anUnknownModeAcceptsWhatTheOtherTestsLetPass();
-
     void resetsTheSourceOnEveryChangeOfASetting();
     void resetsTheSourceAlsoIfThePatternStaysTheSame();
     void doesNothingIfASettingStaysTheSame();
@@ -95,73 +49,7 @@ private Q_SLOTS:
     void forgetsVerdictsBeforeNewEntriesCome();
     void stopsListeningToAModelThatItLeaves();
     void listsAllRowsWithFilteringOff();
-
-    void ordersByColumn_data();
-    void ordersByColumn();
-    void ordersSizesAsWrappedNumbers();
-    void ordersTextsByCodeUnits();
-    void ordersTextsThatBeginAlike();
-    void ordersTheSameWayThroughTheModel();
-    void ordersByNewActionsWhenSortedAgain();
-    void anIndexWithoutAModelIsNotLess();
-
-    void setUpdateListedMarksListedUpdatesOnly();
-    void setUpdateListedDoesNothingOnAnEmptyList();
-
-private:
-    QStringList listed(const QAbstractItemModel& of) const
-    {
-        QStringList names;
-        for (int row = 0; row < of.rowCount(); ++row)
-            names += of.index(row, ColumnName).data().toString();
-        return names;
-    }
-    QStringList listed() const { return listed(*proxy); }
-    void fillAtRandom(int count);
-
-    TableEngine* engine = nullptr;
-    Model* model = nullptr;
-    SortFilterProxyModel* proxy = nullptr;
 };
-
-void TestPackageTableSortFilterProxyModel::init()
-{
-    engine = new TableEngine;
-    model = new Model(engine);
-    proxy = new SortFilterProxyModel(ViewAll, true, true, engine);
-    proxy->setSourceModel(model);
-    proxy->sort(ColumnName);
-}
-
-void TestPackageTableSortFilterProxyModel::cleanup()
-{
-    delete proxy;
-    delete model;
-    delete engine;
-}
-
-void TestPackageTableSortFilterProxyModel::fillAtRandom(int count)
-{
-    QRandomGenerator random(1);
-    for (int i = 0; i < count; ++i) {
-        Entry* entry = engine->add(
-            QString(QChar('a' + random.bounded(5))) + QString::number(random.bounded(20)),
-            static_cast<State>(random.bounded(3)), static_cast<Kind>(random.bounded(3)));
-        entry->action = static_cast<Action>(random.bounded(4));
-        entry->verRel = QString("%1-%2").arg(random.bounded(12)).arg(random.bounded(3));
-        entry->repo = random.bounded(2) ? "base" : "Updates";
-        entry->arch = random.bounded(2) ? "noarch" : "x86_64";
-        entry->duplicate = random.bounded(4) == 0;
-        TableEngine::setSize(entry, quint64(random.bounded(6)) << 30);
-        TableEngine::setBuildTime(entry, random.bounded(4) * 1500000000L);
-        if (random.bounded(3) == 0) {
-            entry->next = TableEngine::make(entry->name, StateInstalled);
-            if (random.bounded(2))
-                entry->next->next = TableEngine::make(entry->name, StateInstalled);
-        }
-    }
-    model->reset();
-}
 
 void TestPackageTableSortFilterProxyModel::keepsTheRulesOfModels()
 {
@@ -649,184 +537,6 @@ void TestPackageTableSortFilterProxyModel::listsAllRowsWithFilteringOff()
     entry->repo = "x";
     proxy->setFilter(true);
     QCOMPARE(listed(), QStringList({"a"}));
-}
-
-void TestPackageTableSortFilterProxyModel::ordersByColumn_data()
-{
-    QTest::addColumn<int>("column");
-    QTest::addColumn<QStringList>("names");
-
-    QTest::newRow("action") << int(ColumnAction) << QStringList{"d", "c", "e", "a", "b"};
-    QTest::newRow("state") << int(ColumnState) << QStringList{"d", "b", "c", "a", "e"};
-    QTest::newRow("kind") << int(ColumnKind) << QStringList{"e", "b", "a", "c", "d"};
-    QTest::newRow("name") << int(ColumnName) << QStringList{"a", "b", "c", "d", "e"};
-    QTest::newRow("version") << int(ColumnVersion) << QStringList{"c", "e", "a", "b", "d"};
-    QTest::newRow("repository") << int(ColumnRepository) << QStringList{"b", "c", "d", "a", "e"};
-    QTest::newRow("architecture") << int(ColumnArchitecture)
-                                  << QStringList{"d", "a", "b", "c", "e"};
-    QTest::newRow("size") << int(ColumnSize) << QStringList{"c", "d", "a", "b", "e"};
-    QTest::newRow("build time") << int(ColumnBuildTime) << QStringList{"e", "a", "b", "c", "d"};
-}
-
-void TestPackageTableSortFilterProxyModel::ordersByColumn()
-{
-    QFETCH(int, column);
-    QFETCH(QStringList, names);
-
-    Entry* e = engine->add("e", StateInstalled, KindSuite);
-    Entry* d = engine->add("d", StateUpdatable);
-    Entry* c = engine->add("c", StateInstallable);
-    Entry* b = engine->add("b", StateInstallable, KindGroup);
-    Entry* a = engine->add("a", StateInstalled);
-    d->action = ActionUpdate;
-    c->action = ActionInstall;
-    e->action = ActionRemove;
-    a->verRel = b->verRel = "9-1"; // no version awareness: 9 comes after 10
-    c->verRel = e->verRel = "10-1";
-    d->verRel = "9-1";
-    d->next = TableEngine::make("d", StateInstalled);
-    d->next->next = TableEngine::make("d", StateInstalled); // "9-1 *"
-    d->arch = "noarch";
-    TableEngine::setSize(c, 999);
-    TableEngine::setSize(d, 1000);
-    TableEngine::setBuildTime(e, -1);
-    model->reset();
-
-    proxy->sort(column, Qt::AscendingOrder);
-    QCOMPARE(listed(), names);
-
-    DerivedProxy derived(ViewAll, true, true, engine);
-    derived.setSourceModel(model);
-    derived.sort(column, Qt::AscendingOrder);
-    QCOMPARE(listed(derived), names);
-
-    std::reverse(names.begin(), names.end());
-    proxy->sort(column, Qt::DescendingOrder);
-    QCOMPARE(listed(), names);
-}
-
-void TestPackageTableSortFilterProxyModel::ordersSizesAsWrappedNumbers()
-{
-    TableEngine::setSize(engine->add("1 KiB", StateInstallable), 1ULL << 10);
-    TableEngine::setSize(engine->add("3 GiB", StateInstallable), 3ULL << 30);
-    TableEngine::setSize(engine->add("4 GiB", StateInstallable), 4ULL << 30);
-    model->reset();
-    proxy->sort(ColumnSize);
-    QCOMPARE(listed(), QStringList({"3 GiB", "4 GiB", "1 KiB"}));
-}
-
-void TestPackageTableSortFilterProxyModel::ordersTextsByCodeUnits()
-{
-    engine->add("a", StateInstallable);
-    engine->add("Z", StateInstallable);
-    engine->add("a10", StateInstallable);
-    engine->add("a9", StateInstallable);
-    model->reset();
-    proxy->sort(ColumnName);
-    QCOMPARE(listed(), QStringList({"Z", "a", "a10", "a9"}));
-}
-
-void TestPackageTableSortFilterProxyModel::ordersTextsThatBeginAlike()
-{
-    QStringList names{"",
-                      "a",
-                      "libreoffice",
-                      "libreoff",
-                      "libreoffi",
-                      "libreofg",
-                      QString::fromUtf8("a\0b", 3),
-                      QString::fromUtf8("a\0", 2),
-                      QString::fromUtf8("a\u00fez"),
-                      QString::fromUtf8("a\u00ffz"),
-                      QString::fromUtf8("a\u0100a"),
-                      QString::fromUtf8("a\u0101"),
-                      QString::fromUtf8("a\u4e00"),
-                      QString::fromUtf8("a\u00ff"),
-                      QString::fromUtf8("a\U0001f600")};
-    for (const QString& name : qAsConst(names))
-        engine->add(name, StateInstallable);
-    model->reset();
-    proxy->sort(ColumnName);
-    std::sort(names.begin(), names.end());
-    QCOMPARE(listed(), names);
-}
-
-void TestPackageTableSortFilterProxyModel::ordersTheSameWayThroughTheModel()
-{
-    fillAtRandom(200);
-    DerivedProxy derived(ViewAll, true, true, engine);
-    derived.setSourceModel(model);
-    for (int column = 0; column < ColumnCount; ++column) {
-        for (Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
-            proxy->sort(column, order);
-            derived.sort(column, order);
-            for (int row = 0; row < 200; ++row)
-                QCOMPARE(proxy->mapToSource(proxy->index(row, 0)).row(),
-                         derived.mapToSource(derived.index(row, 0)).row());
-        }
-        for (int i = 0; i < 500; ++i) {
-            const QModelIndex left = model->index(i % 200, column);
-            const QModelIndex right = model->index((i * 7 + i / 200) % 200, column);
-            QCOMPARE(proxy->lessThan(left, right), derived.lessThan(left, right));
-        }
-    }
-}
-
-void TestPackageTableSortFilterProxyModel::ordersByNewActionsWhenSortedAgain()
-{
-    engine->add("a", StateInstallable);
-    engine->add("b", StateInstallable);
-    model->reset();
-    proxy->sort(ColumnAction);
-    QCOMPARE(listed(), QStringList({"a", "b"}));
-    model->setAction(model->index(1, 0), ActionInstall);
-    // A row doesn't run away from the pointer that marked it.
-    QCOMPARE(listed(), QStringList({"a", "b"}));
-    proxy->sort(ColumnAction);
-    QCOMPARE(listed(), QStringList({"b", "a"}));
-}
-
-void TestPackageTableSortFilterProxyModel::anIndexWithoutAModelIsNotLess()
-{
-    engine->add("a", StateInstallable);
-    model->reset();
-    const QModelIndex cell = model->index(0, ColumnSize);
-    QVERIFY(!proxy->lessThan(cell, QModelIndex()));
-    QVERIFY(!proxy->lessThan(QModelIndex(), cell));
-    QVERIFY(!proxy->lessThan(QModelIndex(), QModelIndex()));
-}
-
-void TestPackageTableSortFilterProxyModel::setUpdateListedMarksListedUpdatesOnly()
-{
-    engine->add("a", StateUpdatable);
-    engine->add("b", StateInstalled)->action = ActionRemove;
-    engine->add("hidden", StateUpdatable);
-    engine->add("a2", StateUpdatable)->action = ActionRemove;
-    model->reset();
-    proxy->setFilterRegExp("^[ab]");
-    QCOMPARE(listed(), QStringList({"a", "a2", "b"}));
-    QSignalSpy source(model, &Model::dataChanged);
-    QSignalSpy own(proxy, &SortFilterProxyModel::dataChanged);
-    proxy->setUpdateListed();
-    QCOMPARE(source.count(), 0);
-    QCOMPARE(own.count(), 2);
-    QCOMPARE(own[0][0].toModelIndex(), proxy->index(0, ColumnAction));
-    QCOMPARE(own[1][1].toModelIndex(), proxy->index(1, ColumnAction));
-    QCOMPARE((*engine)[0]->action, ActionUpdate);
-    QCOMPARE((*engine)[1]->action, ActionRemove);
-    QCOMPARE((*engine)[2]->action, ActionNone);
-    QCOMPARE((*engine)[3]->action, ActionUpdate);
-}
-
-void TestPackageTableSortFilterProxyModel::setUpdateListedDoesNothingOnAnEmptyList()
-{
-    engine->add("a", StateUpdatable);
-    model->reset();
-    proxy->setFilterRegExp("nowhere");
-    QSignalSpy own(proxy, &SortFilterProxyModel::dataChanged);
-    proxy->setUpdateListed();
-    QCOMPARE(own.count(), 0);
-    QCOMPARE((*engine)[0]->action, ActionNone);
 }
 
 QTEST_MAIN(TestPackageTableSortFilterProxyModel)
