@@ -26,6 +26,14 @@ int openDescriptors()
         .size();
 }
 
+/// What some twenty refreshes may leave behind, in MB. The address sanitizer holds freed memory
+/// back to catch its use, so there the limit finds only what is far too much.
+#if defined(__SANITIZE_ADDRESS__)
+const double growthAllowed = 300;
+#else
+const double growthAllowed = 8;
+#endif
+
 /// Memory in use, in megabytes.
 double memory()
 {
@@ -132,7 +140,7 @@ private Q_SLOTS:
         QCOMPARE(openDescriptors(), descriptors);
         const double growth = memory() - megabytes;
         qInfo("memory grew by %.1f MB from %.1f MB", growth, megabytes);
-        QVERIFY(growth < 8);
+        QVERIFY(growth < growthAllowed);
         QCOMPARE(user.quit(), QString());
     }
 
@@ -159,7 +167,7 @@ private Q_SLOTS:
         QCOMPARE(openDescriptors(), descriptors);
         const double growth = memory() - megabytes;
         qInfo("memory grew by %.1f MB from %.1f MB", growth, megabytes);
-        QVERIFY(growth < 8);
+        QVERIFY(growth < growthAllowed);
         user.recover();
         user.click("refresh");
         QVERIFY(user.listed().contains("postbox"));
