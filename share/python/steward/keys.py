@@ -10,7 +10,16 @@ from steward.texts import masked
 
 
 def confirm(lines):
-    """Shows `lines` in the program's question dialog; True only for the user's yes."""
+    """Shows `lines` in the program's question dialog; True only for the user's yes.
+
+    A program that can't put questions to the user is told the lines as an error, and the answer is
+    no.
+    """
+    if not hasattr(yumIOC, 'userconfirm'):
+        for line in lines:
+            yumIOC.errorlog(0, masked(line))
+        yumIOC.errorlog(0, 'Nobody can be asked, so it is not trusted.')
+        return False
     # The dialog shows what was logged since the text was last emptied.
     yumIOC.gpgsigcheck()
     for line in lines:

@@ -469,6 +469,16 @@ class Signatures(SystemTest):
             self.assertIn("'base'", caught.exception.value)
             self.assertEqual(len(yumIOC.named('userconfirm')), times)
 
+    def test_aKeyIsNotTrustedWhereNobodyCanBeAsked(self):
+        self.signed()
+        question = yumIOC.userconfirm
+        self.addCleanup(setattr, yumIOC, 'userconfirm', question)
+        del yumIOC.userconfirm
+        with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
+            self.collect()
+        self.assertIn("'base'", caught.exception.value)
+        self.assertTrue(any('maker@example.org' in line for line in yumIOC.lines('errorlog')))
+
     def test_unsignedMetadataIsRefusedWhereASignatureIsAskedFor(self):
         self.signed()
         os.unlink(os.path.join(self.served, 'base/repodata/repomd.xml.asc'))
