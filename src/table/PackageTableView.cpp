@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 
 #include <limits>
+#include <utility>
 
 namespace PackageTable
 {
@@ -82,8 +83,18 @@ void View::currentChanged(const QModelIndex& current, const QModelIndex& previou
 {
     const int currentRow = proxy->mapToSource(current).row();
     const int previousRow = proxy->mapToSource(previous).row();
-    if (currentRow != previousRow)
-        Q_EMIT currentChanged(currentRow, previousRow);
+    if (currentRow == previousRow)
+        return;
+    toldRow = currentRow;
+    Q_EMIT currentChanged(currentRow, previousRow);
+}
+
+void View::reset()
+{
+    HTableView::reset();
+    const int previousRow = std::exchange(toldRow, -1);
+    if (previousRow != -1)
+        Q_EMIT currentChanged(-1, previousRow);
 }
 
 QModelIndexList View::selectedRows() const

@@ -38,6 +38,8 @@ public Q_SLOTS:
     void resizeColumnsToContents();
     /// Describes the current row.
     void describe();
+    /// Nothing is current after a reset, which is told like any other change of the current row.
+    void reset() override;
 
 protected Q_SLOTS:
     void handleHorizontalHeaderClicked(int column);
@@ -52,6 +54,7 @@ protected:
 private:
     Model* packages;
     SortFilterProxyModel* proxy;
+    int toldRow = -1;                              ///< the current row as the last signal told it
     std::unique_ptr<ActionContextMenu> actionMenu; ///< made when first needed
     std::unique_ptr<OtherContextMenu> otherMenu;   ///< made when first needed
 };

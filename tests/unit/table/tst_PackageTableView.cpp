@@ -101,6 +101,7 @@ private Q_SLOTS:
     void aDisabledTableTakesNoClicks();
 
     void tellsOfANewCurrentRowInTheModelsNumbers();
+    void tellsThatNoRowIsCurrentAfterAReset();
     void tellsNothingOfAnotherCellInTheSameRow();
     void selectedRowsAreTheModels();
 
@@ -360,6 +361,22 @@ void TestPackageTableView::tellsOfANewCurrentRowInTheModelsNumbers()
     QCOMPARE(spy.count(), 2);
     QCOMPARE(spy[1][0].toInt(), -1);
     QCOMPARE(spy[1][1].toInt(), a);
+}
+
+void TestPackageTableView::tellsThatNoRowIsCurrentAfterAReset()
+{
+    view->setCurrentIndex(QModelIndex());
+    QSignalSpy spy(view.get(), SIGNAL(currentChanged(int, int)));
+    model->reset();
+    QCOMPARE(spy.count(), 0);
+    click(b, ColumnName);
+    spy.clear();
+    model->reset();
+    QCOMPARE(spy.count(), 1);
+    QCOMPARE(spy[0][0].toInt(), -1);
+    QCOMPARE(spy[0][1].toInt(), b);
+    model->reset();
+    QCOMPARE(spy.count(), 1);
 }
 
 void TestPackageTableView::tellsNothingOfAnotherCellInTheSameRow()
