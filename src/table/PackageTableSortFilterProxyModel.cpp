@@ -76,48 +76,37 @@ void SortFilterProxyModel::sourceAboutToBeReset()
         rows.drop();
 }
 
+template<typename Setting> void SortFilterProxyModel::change(Setting& setting, Setting value)
+{
+    if (setting == value)
+        return;
+    setting = value;
+    clear();
+}
+
 void SortFilterProxyModel::setMode(Mode mode)
 {
-    if (this->mode == mode)
-        return;
-    this->mode = mode;
-    clearCache();
-    clear();
+    change(this->mode, mode);
 }
 
 void SortFilterProxyModel::setStateFilter(StateFilter filter)
 {
-    if (stateFilter == filter)
-        return;
-    stateFilter = filter;
-    clearCache();
-    clear();
+    change(stateFilter, filter);
 }
 
 void SortFilterProxyModel::setDupsFilter(bool included)
 {
-    if (duplicates == included)
-        return;
-    duplicates = included;
-    clearCache();
-    clear();
+    change(duplicates, included);
 }
 
 void SortFilterProxyModel::setGroupsFilter(bool included)
 {
-    if (groups == included)
-        return;
-    groups = included;
-    clearCache();
-    clear();
+    change(groups, included);
 }
 
 void SortFilterProxyModel::setFilter(bool on)
 {
-    if (filtering == on)
-        return;
-    filtering = on;
-    clear();
+    change(filtering, on);
 }
 
 void SortFilterProxyModel::setFilterRegExp(const QString& text)

@@ -60,6 +60,8 @@ public Q_SLOTS:
     void clearCache();
 
 private:
+    /// Stores a new value and lists anew; does nothing where the value is the old one.
+    template<typename Setting> void change(Setting& setting, Setting value);
     class OwnReset;
 
     struct Verdict {

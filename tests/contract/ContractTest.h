@@ -18,13 +18,15 @@ protected:
     std::unique_ptr<Contract> contract;
     std::unique_ptr<DialogDriver> driver;
 
-private Q_SLOTS:
-    void initTestCase() { contract = std::make_unique<Contract>(); }
-    void cleanupTestCase() { contract.reset(); }
-    void init() { driver = std::make_unique<DialogDriver>(); }
-    void cleanup()
+protected Q_SLOTS:
+    virtual void cleanup()
     {
         driver->verify();
         driver.reset();
     }
+
+private Q_SLOTS:
+    void initTestCase() { contract = std::make_unique<Contract>(); }
+    void cleanupTestCase() { contract.reset(); }
+    void init() { driver = std::make_unique<DialogDriver>(); }
 };

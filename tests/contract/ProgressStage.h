@@ -1,26 +1,21 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
-#include "contract/Contract.h"
-#include "support/DialogDriver.h"
+#include "contract/ContractTest.h"
 
 #include <QSignalSpy>
 
 #include <memory>
 
 /// Base of the tests that call the meters' side of a collection on the GUI thread, where each step
-/// can be looked at. A test class forwards its four slots.
-class ProgressStage : public QObject
+/// can be looked at.
+class ProgressStage : public ContractTest
 {
 protected:
-    void raise() { contract = std::make_unique<Contract>(); }
-    void strike() { contract.reset(); }
-    void begin() { driver = std::make_unique<DialogDriver>(); }
-    void finish()
+    void cleanup() override
     {
         progressUser.reset();
-        driver->verify();
-        driver.reset();
+        ContractTest::cleanup();
     }
 
     OpenEngine& engine() { return contract->engine(); }
@@ -79,8 +74,6 @@ protected:
         return thread < state.count() ? state[thread] : Progress::ThreadState();
     }
 
-    std::unique_ptr<Contract> contract;
-    std::unique_ptr<DialogDriver> driver;
     std::unique_ptr<Progress::User> progressUser;
     std::unique_ptr<QSignalSpy> itemStarts;
     std::unique_ptr<QSignalSpy> itemValues;

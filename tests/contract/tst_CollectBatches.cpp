@@ -19,11 +19,6 @@ class TestCollectBatches : public ProgressStage
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { raise(); }
-    void cleanupTestCase() { strike(); }
-    void init() { begin(); }
-    void cleanup() { finish(); }
-
     void aBatchOfKnownSizeHasItsBandOfActs_data()
     {
         QTest::addColumn<int>("size");

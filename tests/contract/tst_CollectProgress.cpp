@@ -17,11 +17,6 @@ class TestCollectProgress : public ProgressStage
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { raise(); }
-    void cleanupTestCase() { strike(); }
-    void init() { begin(); }
-    void cleanup() { finish(); }
-
     // ---- Act numbers
 
     void actNumbers_data()
