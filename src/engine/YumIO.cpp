@@ -128,6 +128,22 @@ protected:
     }
 };
 
+class YumIO::ApplyThread : public WorkThread
+{
+public:
+    ApplyThread(YumIO* engine, QEventLoop& loop)
+        : WorkThread(engine, loop, QStringLiteral("Apply"))
+    {
+    }
+
+protected:
+    void run() override
+    {
+        result = engine->applyReal();
+        loop.exit(0);
+    }
+};
+
 YumIO::YumIO()
 {
     setObjectName(QStringLiteral("YumIO"));
@@ -383,6 +399,14 @@ bool YumIO::collectSearchTexts()
     // Published here, where nobody can be asking.
     searchTexts = std::move(thread.texts);
     return searchTexts != nullptr;
+}
+
+bool YumIO::apply()
+{
+    QEventLoop loop;
+    ApplyThread thread(this, loop);
+    execWorkThread(loop, thread);
+    return thread.result;
 }
 
 void YumIO::execWorkThread(QEventLoop& loop, QThread& thread)

@@ -3,6 +3,7 @@
 
 #include "engine/Python.h"
 #include "engine/Package.h"
+#include "engine/TransactionGuard.h"
 #include "log/Log.h"
 
 #include <QByteArray>
@@ -119,6 +120,13 @@ public:
     /// Gathers what getSearchTexts() gives, once a collection. Only where the change logs are
     /// loaded; fails without a dialog where there is no room for the texts.
     bool collectSearchTexts();
+    /// Carries out what the rows are marked for, after the user's review. True where the user
+    /// agreed and the package manager reported no failure; the rows are out of date then. False
+    /// leaves the rows and their marks as they were. Blocks in a local event loop.
+    bool apply();
+    /// A signal that was to end the process, but came while a transaction ran; 0 for none. The
+    /// caller of apply() is to leave then.
+    int pendingSignal() const { return TransactionGuard::pendingSignal(); }
 
     Log::EntryList& getLogEntries() { return logEntries; }
     bool areFileListsCollected() const { return fileListsCollected; }
@@ -245,6 +253,28 @@ public:
     PyObject* collectGrabMultiMeterNew(PyObject* self, PyObject* args);
     PyObject* collectGrabMultiMeterRemove(PyObject* self, PyObject* args);
     PyObject* collectGrabMultiMeterEnd(PyObject* self, PyObject* args);
+    // YumIOApplyDownload.cpp
+    PyObject* applyGrabMeterStart(PyObject* self, PyObject* args);
+    PyObject* applyGrabMeterUpdate(PyObject* self, PyObject* args);
+    PyObject* applyGrabMeterEnd(PyObject* self, PyObject* args);
+    PyObject* applyGrabMeterFailure(PyObject* self, PyObject* args);
+    PyObject* applyGrabMultiMeterStart(PyObject* self, PyObject* args);
+    PyObject* applyGrabMultiMeterNew(PyObject* self, PyObject* args);
+    PyObject* applyGrabMultiMeterRemove(PyObject* self, PyObject* args);
+    PyObject* applyGrabMultiMeterEnd(PyObject* self, PyObject* args);
+    // YumIODepsolve.cpp
+    PyObject* dsTsCheck(PyObject* self, PyObject* args);
+    PyObject* dsRestartLoop(PyObject* self, PyObject* args);
+    // YumIOReview.cpp
+    PyObject* userconfirm(PyObject* self, PyObject* args);
+    PyObject* reportDownloadSize(PyObject* self, PyObject* args);
+    PyObject* listTransaction(PyObject* self, PyObject* args);
+    PyObject* postTransactionOutput(PyObject* self, PyObject* args);
+    // YumIOTransaction.cpp
+    PyObject* tsInitCallback(PyObject* self, PyObject* args);
+    PyObject* tsCallback(PyObject* self, PyObject* args);
+    PyObject* tsEvent(PyObject* self, PyObject* args);
+    PyObject* gpgsigcheck(PyObject* self, PyObject* args);
 
 Q_SIGNALS:
     /// File lists or change logs have been loaded. Comes while the work thread may still run.
@@ -275,6 +305,7 @@ protected:
     class CollectFileListsThread;
     class CollectOtherDataThread;
     class CollectSearchTextsThread;
+    class ApplyThread;
     class ClearEntriesThread;
 
     // ---- YumIO.cpp ------------------------------------------------------------------------------
@@ -319,6 +350,67 @@ protected:
     /// The slot of entryHash that a package of this name and architecture belongs to; made where
     /// absent, holding null then.
     Package::Entry*& findUpdateablePackage(const QString& name, const QString& arch);
+
+    // ---- YumIOApply.cpp: the road of one Apply; work thread, lock held --------------------------
+
+    bool applyReal();
+    /// True where the entry is to be updated and a version of its chain, itself included, hasn't
+    /// been started on.
+    bool hasNotStartedUpdate(Package::Entry* entry);
+    bool hasNotStartedRemove(Package::Entry* entry);
+    /// On true the caller owns `tsInfo` and `lists`; the seven are borrowed from `lists`.
+    bool makeLists(PyObject* base, PyObject*& tsInfo, PyObject*& lists, PyObject*& updated,
+                   PyObject*& installed, PyObject*& removed, PyObject*& obsoleted,
+                   PyObject*& depUpdated, PyObject*& depInstalled, PyObject*& depRemoved);
+
+    // ---- YumIOApplyGroups.cpp: group marks become package marks ---------------------------------
+    // False or null on a failure that has been reported, or where the user cancelled.
+
+    bool applyGroups();
+    bool applyGrpUpdate(const Package::Entry* group);
+    bool applyGrpInstall(const Package::Entry* group);
+    bool applyGrpRemove(const Package::Entry* group);
+    bool applyGrpConflict(const Package::Entry* group, Package::Entry* package);
+    void applyGrpLog(const Package::Entry* group, const Package::Entry* package);
+    void applyGrpLogWas(const Package::Entry* group, const Package::Entry* package);
+    void applyGrpLogNot(const Package::Entry* group, const Package::Entry* package,
+                        Package::Action action, QString reason);
+    /// New references to sequences of package names.
+    PyObject* requiredPkgs(const Package::Entry* group);
+    PyObject* pkgTree(const Package::Entry* group);
+    PyObject* allPkgs(const Package::Entry* group);
+
+    // ---- YumIODepsolve.cpp: what the solver's log lines tell ------------------------------------
+
+    /// A log line of the solver's, without its prefix "TSINFO: ".
+    void dsTsInfo(const QString& text);
+    Package::Entry* dsTsFindPkg(const QString& text);
+    void dsTsNewPkg(const QString& text, Package::Entry* entry, unsigned int packages, bool header);
+    /// Splits "[epoch:]name-version-release.arch"; false where it isn't one.
+    bool parseEnvra(const QString& text, QString& name, QString& epoch, QString& version,
+                    QString& release, QString& arch);
+    bool parseEnvra(const QString& text, QString& name, QString& arch);
+
+    // ---- YumIOReview.cpp: the transaction for the eye, and the question -------------------------
+
+    QString pkgtupFormat(PyObject* pkgtup);
+    QString pkgtupRepoFormat(PyObject* pkgtup, const QString& repo);
+    bool displayTransactionPkgs(const QString& title, PyObject* members);
+    bool displayTransactionPkgsRepo(const QString& title, PyObject* members);
+    bool displayTransactionPkgsObs(const QString& title, PyObject* members);
+    /// A new reference, or null.
+    PyObject* findRelation(PyObject* relations, const char* relation);
+    void noteTransactionPkgs(Package::Action action, PyObject* members);
+
+    // ---- YumIOTransaction.cpp: rpm's transaction ------------------------------------------------
+
+    /// Where the file of a package is or would be; null without one.
+    QString getLocalPkg(PyObject* package);
+    QString getLocalHdr(PyObject* package);
+    // Acts that an element of the transaction counts for.
+    static quint64 installActs(const Package::Entry& entry);
+    static quint64 updatedActs(const Package::Entry& old);
+    static quint64 removeActs(const Package::Entry& old);
 
     // ---- YumIOGroups.cpp: groups ----------------------------------------------------------------
 
@@ -500,10 +592,33 @@ protected:
         QHash<ThreadId, unsigned int> idThreads;
     } collectState;
 
+    /// One Apply; touched only by the work thread.
     struct ApplyState {
-        QString transactionText;
-        bool transactionListed = false;
+        QString transactionText;        ///< the review or question that is being put together
+        bool transactionListed = false; ///< a review waits for the user
+        bool applyConfirmed = false;    ///< the user agreed; what apply() gives
+        quint32 progressAct = 0;        ///< the act number reached; may wrap
+        quint32 depPackages = 0;
+        quint32 depHeaders = 0;
+        quint32 depPassActs = 0;
+        quint32 depActs = 0;
+        quint64 downloadTotal = 0; ///< bytes of all packages that come
+        quint64 downloadLeft = 0;  ///< those of them that aren't in the cache
+        quint64 downloadSpan = 0;  ///< steps of the total that downloads get
+        quint64 transactionActs = 0;
+        qint64 lastTsCurrent = 0;
+        bool deltaRebuilt = false;
+        bool tsEventSeen = false;
+        struct {
+            bool multiActive = false;
+            qint64 multiFiles = 0;
+            qint64 multiSize = 0;
+            quint32 nextThread = 0;
+            QHash<void*, unsigned int> meterThreads;
+        } multi;
     } applyState;
+    /// From the first sign of rpm's transaction to the end of the Apply.
+    std::unique_ptr<TransactionGuard> transactionGuard;
 
     struct sigaction oldSigchld {
     };

@@ -16,6 +16,11 @@ PyObject* call(PyObject* self, PyObject* args)
     return (current->*Member)(self, args);
 }
 
+#define VOK_FUNCTION_NOARGS(name)                                                                  \
+    {                                                                                              \
+#name, call < &YumIO::name>, METH_NOARGS, nullptr                                          \
+    }
+
 #define VOK_FUNCTION(name)                                                                         \
     {                                                                                              \
 #name, call < &YumIO::name>, METH_VARARGS, nullptr                                         \
@@ -35,10 +40,29 @@ PyMethodDef functions[] = {
     VOK_FUNCTION(collectGrabMultiMeterNew),
     VOK_FUNCTION(collectGrabMultiMeterRemove),
     VOK_FUNCTION(collectGrabMultiMeterEnd),
+    VOK_FUNCTION(applyGrabMeterStart),
+    VOK_FUNCTION(applyGrabMeterUpdate),
+    VOK_FUNCTION(applyGrabMeterEnd),
+    VOK_FUNCTION(applyGrabMeterFailure),
+    VOK_FUNCTION(applyGrabMultiMeterStart),
+    VOK_FUNCTION(applyGrabMultiMeterNew),
+    VOK_FUNCTION(applyGrabMultiMeterRemove),
+    VOK_FUNCTION(applyGrabMultiMeterEnd),
+    VOK_FUNCTION_NOARGS(dsTsCheck),
+    VOK_FUNCTION_NOARGS(dsRestartLoop),
+    VOK_FUNCTION_NOARGS(userconfirm),
+    VOK_FUNCTION(reportDownloadSize),
+    VOK_FUNCTION(listTransaction),
+    VOK_FUNCTION(tsInitCallback),
+    VOK_FUNCTION(tsCallback),
+    VOK_FUNCTION(tsEvent),
+    VOK_FUNCTION(postTransactionOutput),
+    VOK_FUNCTION(gpgsigcheck),
     {nullptr, nullptr, 0, nullptr},
 };
 
 #undef VOK_FUNCTION
+#undef VOK_FUNCTION_NOARGS
 
 PyModuleDef definition = {
     PyModuleDef_HEAD_INIT, "yumIOC", nullptr, -1, functions, nullptr, nullptr, nullptr, nullptr,

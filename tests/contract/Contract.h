@@ -17,6 +17,9 @@
 class OpenEngine : public YumIO
 {
 public:
+    using YumIO::allPkgs;
+    using YumIO::applyGroups;
+    using YumIO::applyReal;
     using YumIO::ApplyState;
     using YumIO::applyState;
     using YumIO::basearch;
@@ -32,20 +35,40 @@ public:
     using YumIO::CollectState;
     using YumIO::collectState;
     using YumIO::collectUpdate;
+    using YumIO::displayTransactionPkgsObs;
+    using YumIO::dsTsFindPkg;
+    using YumIO::dsTsInfo;
+    using YumIO::dsTsNewPkg;
     using YumIO::entries;
     using YumIO::entryHash;
     using YumIO::findPackage;
+    using YumIO::findRelation;
     using YumIO::findUpdateablePackage;
     using YumIO::getGroupItem_22;
     using YumIO::getGroupItem_25;
+    using YumIO::getLocalHdr;
+    using YumIO::getLocalPkg;
     using YumIO::getPrco;
     using YumIO::getRpmHdrValue;
+    using YumIO::hasNotStartedRemove;
+    using YumIO::hasNotStartedUpdate;
+    using YumIO::installActs;
+    using YumIO::makeLists;
+    using YumIO::noteTransactionPkgs;
+    using YumIO::parseEnvra;
+    using YumIO::pkgTree;
+    using YumIO::pkgtupFormat;
+    using YumIO::pkgtupRepoFormat;
     using YumIO::progress;
     using YumIO::py;
     using YumIO::PyGILStateWrapper;
     using YumIO::pyr;
     using YumIO::pyStringDec;
+    using YumIO::removeActs;
+    using YumIO::requiredPkgs;
     using YumIO::rpmDict;
+    using YumIO::transactionGuard;
+    using YumIO::updatedActs;
     using YumIO::upToDateGroup;
     using YumIO::yumIO;
     using YumIO::yumLocked;

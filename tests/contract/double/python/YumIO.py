@@ -19,6 +19,9 @@ meters        method -> list of [yumIOC function, argument ...]; "meter:x" stand
 missing       methods that do not exist
 rows          packages have collectRow
 fileTexts     packages have returnFileText, "bytes" or "str"
+apply         Python text that `apply` runs, a string or a list of lines, with `installs`, `updates`,
+              `removes`, `yumIOC` and all of this module in its scope. `member` and `base` make
+              transactions, meter("x") a meter object; `lists` keeps the last three lists
 
 `calls` holds what the program called, in order: (method, arguments as text, thread). A global `probe` is
 called with each method's name before anything else happens.
@@ -44,6 +47,7 @@ sys.modules["cli"] = cli
 
 calls = []
 meters = {}
+lists = []  # installs, updates and removes of the last Apply
 current = None  # the newest instance
 probe = None
 
@@ -163,6 +167,16 @@ class Package:
     def returnSimple(self, field):
         return self.answers[field]
 
+    def localPkg(self):
+        record("localPkg", self.name)
+        played("localPkg", self.name)
+        return self.told.get("localPkg")
+
+    def localHdr(self):
+        record("localHdr", self.name)
+        played("localHdr", self.name)
+        return self.told.get("localHdr")
+
     def returnFileEntries(self, kind):
         record("returnFileEntries", self.name, kind)
         played("returnFileEntries", self.name)
@@ -281,6 +295,26 @@ def broken(packages):
     raise ValueError("the list broke off")
 
 
+def meter(name):
+    return meters.setdefault("meter:" + name, object())
+
+
+def member(name, arch="x86_64", epoch="0", version="1.0", release="1", **more):
+    """A member of a transaction; `more` are further attributes: repoid, po, relatedto, epoch..."""
+    return Holder(pkgtup=(name, arch, epoch, version, release),
+                  **{**dict(repoid="base", relatedto=[], po=None), **more})
+
+
+WORDS = ("updated", "installed", "removed", "obsoleted", "depupdated", "depinstalled", "depremoved")
+
+
+def base(**members):
+    """What listTransaction takes: lists of members by the words above."""
+    found = [members.get(word, []) for word in WORDS]
+    made = tuple(found) if current.version <= 20301 else Holder(**dict(zip(WORDS, found)))
+    return Holder(tsInfo=Holder(makelists=lambda: made))
+
+
 class YumIO:
     def __init__(self):
         global current
@@ -367,6 +401,20 @@ class YumIO:
 
     def collectOtherData(self):
         return self.step("collectOtherData", True)
+
+    def apply(self, installs, updates, removes):
+        lists[:] = [installs, updates, removes]
+        record("apply", [package.name for package in installs],
+               [[package.name for package in pair] for pair in updates],
+               [package.name for package in removes])
+        ordered = played("apply")
+        text = self.told.get("apply", "")
+        exec(text if isinstance(text, str) else "\n".join(text),
+             dict(globals(), installs=installs, updates=updates, removes=removes))
+        return ordered[0] if ordered else None
+
+    def applyFailCleanup(self):
+        return self.step("applyFailCleanup")
 
     def hasMultiProgress(self):
         return self.step("hasMultiProgress", self.told.get("multi", False))
