@@ -407,6 +407,7 @@ protected:
     /// Where the file of a package is or would be; null without one.
     QString getLocalPkg(PyObject* package);
     QString getLocalHdr(PyObject* package);
+    QString localPath(PyObject* package, const char* method);
     // Acts that an element of the transaction counts for.
     static quint64 installActs(const Package::Entry& entry);
     static quint64 updatedActs(const Package::Entry& old);
