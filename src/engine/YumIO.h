@@ -386,6 +386,7 @@ protected:
     void dsTsInfo(const QString& text);
     Package::Entry* dsTsFindPkg(const QString& text);
     void dsTsNewPkg(const QString& text, Package::Entry* entry, unsigned int packages, bool header);
+    void changeDepActs();
     /// Splits "[epoch:]name-version-release.arch"; false where it isn't one.
     bool parseEnvra(const QString& text, QString& name, QString& epoch, QString& version,
                     QString& release, QString& arch);
@@ -400,9 +401,45 @@ protected:
     bool displayTransactionPkgsObs(const QString& title, PyObject* members);
     /// A new reference, or null.
     PyObject* findRelation(PyObject* relations, const char* relation);
+    /// Adds what the members will cost to the budget, and marks their rows.
     void noteTransactionPkgs(Package::Action action, PyObject* members);
+    void noteArrival(const Package::Entry& entry, bool update);
+    void noteRemoval(const Package::Entry& entry, const QString& version);
+    /// Null after a report.
+    PyRef pkgtupOf(PyObject* member);
+    /// As in Entry::verRel.
+    QString memberVersion(PyObject* member);
+    /// Begins the second half of an Apply, whose budget the review has made.
+    void scaleTransaction();
+
+    // ---- YumIOApplyDownload.cpp: downloads of an Apply ------------------------------------------
+
+    /// Counts a download of so many bytes on the acts of the present stretch.
+    void addDownloadActs(long long bytes);
+    /// Slot of a meter of the running batch; one that was never announced gets the first. False
+    /// where the batch has no such slot, and then there is nothing to show.
+    bool applySlot(void* meter, unsigned int& slot);
 
     // ---- YumIOTransaction.cpp: rpm's transaction ------------------------------------------------
+
+    void addActs(quint64 acts);
+    /// The next item, up to the act number that has been reached.
+    void startApplyItem(const QString& label, long long maximum);
+    void setApplyItem(long long value);
+    /// A step before the acts of the transaction begin, which are `acts` over `span` steps.
+    void startTransactionStage(const QString& label, quint64 span, quint64 acts);
+    /// What preparing the transaction counts for, within all its acts.
+    quint64 preparationActs() const;
+    /// The entry that a package of the transaction belongs to; null where there is none.
+    Package::Entry* transactionEntry(const QString& name, const QString& arch);
+    void startInstall(Package::Entry& entry, const QString& label, long long total);
+    /// Begins with the next version of `name` that is to go: with `mayUpdate` that of an update
+    /// before that of a removal. False where there is no package of that name, after a report.
+    bool startRemoval(const QString& name, bool mayUpdate, const QString& unexpected,
+                      long long total);
+    void callbackInstall(PyObject* key, long long total);
+    /// False where the package isn't found, after a report.
+    bool eventInstall(PyObject* package, bool update, long long total);
 
     /// Where the file of a package is or would be; null without one.
     QString getLocalPkg(PyObject* package);
@@ -491,6 +528,9 @@ protected:
     /// Name of a step or file that the script passes: text, or none. Anything else reports
     /// `message`.
     QString progressText(PyObject* object, const QString& message);
+    /// Size of a download; 1 where it isn't known. Anything but a number or None is reported and
+    /// counts as `otherwise`.
+    long long progressSize(PyObject* object, long long otherwise);
     /// The act number of a step that follows act number `from`.
     int actNumber(int from, int act);
     QString actText(RepoAct act, const QString& name);

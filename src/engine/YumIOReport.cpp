@@ -57,6 +57,10 @@ PyObject* YumIO::log(PyObject*, PyObject* args)
     if (!applyState.transactionListed)
         applyState.transactionText += arguments.text + QLatin1Char('\n');
     log(Log::Plain, arguments.level, arguments.text);
+    // Parsed as it came from the script, whatever the log makes of it.
+    const QLatin1String solver("TSINFO: ");
+    if (arguments.text.startsWith(solver))
+        dsTsInfo(arguments.text.mid(solver.size()));
     Py_RETURN_NONE;
 }
 
