@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
+#include "engine/Meters.h"
 #include "engine/PyText.h"
 #include "progress/Progress.h"
-
-#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -12,14 +11,10 @@
 // conversion, reading. What the script's meters say is turned into act numbers here, by the order
 // in which the package manager at hand goes through them.
 
+using Meters::steps;
+
 namespace
 {
-
-/// The bars count upward only.
-Steps steps(long long value)
-{
-    return value < 0 ? 0 : static_cast<Steps>(value);
-}
 
 QString afterLastSlash(const QString& name)
 {
@@ -31,13 +26,11 @@ QString afterLastSlash(const QString& name)
 /// where there is none.
 QString repositoryOfPath(QString name)
 {
-    static const QRegularExpression vantryPrefix(QStringLiteral("vantry?.*=.*&.*=.*&path="),
-                                                 QRegularExpression::DotMatchesEverythingOption);
     const int last = name.lastIndexOf(QLatin1Char('/'));
     const int before = last > 0 ? name.lastIndexOf(QLatin1Char('/'), last - 1) : -1;
     if (before >= 0)
         name = name.mid(before + 1, last - before - 1);
-    return name.remove(vantryPrefix);
+    return Meters::withoutVantry(name);
 }
 
 } // namespace
@@ -50,6 +43,19 @@ QString YumIO::progressText(PyObject* object, const QString& message)
         return pyString(object);
     error(message);
     return QString();
+}
+
+long long YumIO::progressSize(PyObject* object, long long otherwise)
+{
+    if (object == Py_None)
+        return 1;
+    if (PyLong_Check(object)) {
+        int overflow = 0;
+        const long long size = PyLong_AsLongLongAndOverflow(object, &overflow);
+        return overflow ? 1 : size;
+    }
+    warning(tr("Internal error: collect grab size not understood"));
+    return otherwise;
 }
 
 PyObject* YumIO::collectProgress(PyObject*, PyObject* args)
@@ -87,17 +93,7 @@ PyObject* YumIO::collectGrabMeterStart(PyObject*, PyObject* args)
     if (!PyArg_ParseTuple(args, "OOOOOO", &meter, &filename, &url, &basename, &sizeObject, &text))
         return nullptr;
 
-    long size = 1;
-    if (PyLong_Check(sizeObject)) {
-        size = PyLong_AsLong(sizeObject);
-        if (PyErr_Occurred()) {
-            PyErr_Clear();
-            size = 1;
-        }
-    } else if (sizeObject != Py_None) {
-        warning(tr("Internal error: collect grab size not understood"));
-    }
-
+    const long size = static_cast<long>(progressSize(sizeObject, 1));
     QString name = progressText(filename, tr("Internal error: unexpected progress filename"));
     const bool fromText = name.isEmpty() && PyText::check(text);
     if (fromText)

@@ -78,6 +78,8 @@ public:
     void endItemActThread(unsigned int thread);
     void retryItemActThread(unsigned int thread);
     void endItemActsThreads();
+    /// Slots of the running batch; 0 without one.
+    unsigned int threadCount() const { return threads.count(); }
     void reset();
 
 Q_SIGNALS:
