@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Prints the table of figures of `scripts/bench`, each beside its floor and what it should be.
 
-Usage: report.py FOLDER        with the files cold1, cold2 ... warm1, warm2 ... and search
+Usage: report.py FOLDER        with the files cold1, cold2 ... warm1, warm2 ... and search,
+                               or apply1, apply2 ... and large1, large2 ...
 """
 import pathlib
 import statistics
@@ -21,7 +22,7 @@ def median(runs, name):
     return statistics.median(run[name] for run in runs)
 
 
-def rows(cold, warm, search):
+def collection_rows(cold, warm, search):
     """(what, value, unit, floor or None, what it is measured by, limit) for each line."""
     warm_floor = median(warm, 'bare.total')
     yield ('collection, warm: to rows', median(warm, 'collect.to-rows'), 'ms', warm_floor,
@@ -68,15 +69,41 @@ def rows(cold, warm, search):
         number += 1
 
 
+def apply_rows(runs, large):
+    """The same for installing many packages on a small system, and a few on a large one."""
+    count = runs[0]['apply.packages']
+    yield ('%d packages: OK to the new table' % count, median(runs, 'apply.run'), 'ms',
+           median(runs, 'bare.apply'), 'ratio', 1.15)
+    yield ('  to the end of the transaction', median(runs, 'apply.run.transaction'), 'ms',
+           median(runs, 'bare.apply'), 'ratio', None)
+    yield ("  of the floor's, downloads", median(runs, 'bare.apply.download'), 'ms', None, '', None)
+    yield ('  collecting anew', median(runs, 'apply.run.collection'), 'ms', None, '', None)
+    yield ('  GUI thread silent', max(run['apply.run.gui-gap'] for run in runs), 'ms', None, 'value', 100)
+    yield ('%d packages: Apply to the review' % count, median(runs, 'apply.to-review'), 'ms', None, '', None)
+    yield ('  GUI thread silent', max(run['apply.to-review.gui-gap'] for run in runs), 'ms', None, 'value', 100)
+    count = '%d packages among %d rows' % (large[0]['apply.packages'], large[0]['apply.rows'])
+    yield (count + ': to the review', median(large, 'apply.to-review'), 'ms', None, '', None)
+    yield ('  GUI thread silent', max(run['apply.to-review.gui-gap'] for run in large), 'ms', None, 'value', 100)
+    yield (count + ': OK to the table', median(large, 'apply.run'), 'ms', None, '', None)
+    yield ('  to the end of the transaction', median(large, 'apply.run.transaction'), 'ms', None, '', None)
+    yield ('  collecting anew', median(large, 'apply.run.collection'), 'ms', None, '', None)
+    yield ('  GUI thread silent', max(run['apply.run.gui-gap'] for run in large), 'ms', None, 'value', 100)
+
+
 def main(folder):
     folder = pathlib.Path(folder)
-    cold = [read(path) for path in sorted(folder.glob('cold*'))]
-    warm = [read(path) for path in sorted(folder.glob('warm*'))]
-    search = read(folder / 'search')
-    print('%d rows, %d cold and %d warm runs' % (warm[0]['collect.rows'], len(cold), len(warm)))
+    runs = {kind: [read(path) for path in sorted(folder.glob(kind + '[0-9]*'))]
+            for kind in ('cold', 'warm', 'apply', 'large')}
+    if runs['apply']:
+        rows = apply_rows(runs['apply'], runs['large'])
+        print('%d runs with cold package caches' % len(runs['apply']))
+    else:
+        rows = collection_rows(runs['cold'], runs['warm'], read(folder / 'search'))
+        print('%d rows, %d cold and %d warm runs' % (
+            runs['warm'][0]['collect.rows'], len(runs['cold']), len(runs['warm'])))
     form = '%-46s %10s %10s  %-4s %10s %8s  %s'
     print(form % ('figure', 'value', 'floor', 'unit', 'measure', 'limit', ''))
-    for what, value, unit, floor, kind, limit in rows(cold, warm, search):
+    for what, value, unit, floor, kind, limit in rows:
         measured = {'ratio': lambda: value / floor, 'difference': lambda: value - floor,
                     'value': lambda: value, '': lambda: None}[kind]()
         print((form % (what, '%.1f' % value, '-' if floor is None else '%.1f' % floor, unit,

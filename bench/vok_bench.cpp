@@ -2,7 +2,14 @@
 // Measures the program's own code on a prepared system: collection, table, filter, sort, search.
 // The system comes from VOKROOT and the script from VOKSHARE, as for the program itself. Prints one
 // figure a line as "name<TAB>value<TAB>unit".
+//
+//     vok_bench [TEXT [PATTERN...]]
+//         collection and table; with patterns also searches, whose text is written to TEXT
+//     vok_bench apply REGEXP
+//         installs, in the real window, the packages that the filter lists by REGEXP
 
+#include "ApplyBench.h"
+#include "Measure.h"
 #include "engine/YumIO.h"
 #include "kit/Application.h"
 #include "progress/HProgressBar.h"
@@ -16,20 +23,12 @@
 #include <QFile>
 #include <QLoggingCategory>
 #include <QTextStream>
-#include <QTimer>
 #include <QVBoxLayout>
 
-#include <cstdio>
 #include <functional>
 
 namespace
 {
-
-void report(const char* name, double value, const char* unit)
-{
-    std::printf("%s\t%.3f\t%s\n", name, value, unit);
-    std::fflush(stdout);
-}
 
 /// A line of /proc/self/status that is given in kB, as MB.
 double statusMegabytes(const QByteArray& key)
@@ -44,36 +43,6 @@ double statusMegabytes(const QByteArray& key)
     }
     return -1;
 }
-
-/// The longest time in which the GUI thread handled no timer, in milliseconds.
-class Heartbeat
-{
-public:
-    Heartbeat()
-    {
-        QObject::connect(&timer, &QTimer::timeout, [this] { beat(); });
-        timer.setTimerType(Qt::PreciseTimer);
-        timer.start(1);
-        last.start();
-    }
-
-    double longestGap()
-    {
-        timer.stop();
-        return static_cast<double>(longest) / 1e6;
-    }
-
-private:
-    void beat()
-    {
-        longest = qMax(longest, last.nsecsElapsed());
-        last.restart();
-    }
-
-    QTimer timer;
-    QElapsedTimer last;
-    qint64 longest = 0;
-};
 
 double milliseconds(const std::function<void()>& work)
 {
@@ -121,6 +90,8 @@ int main(int argc, char** argv)
     QApplication app(argc, argv);
     application = &app;
     program = argv[0];
+    if (argc > 2 && qstrcmp(argv[1], "apply") == 0)
+        return ApplyBench(QString::fromLocal8Bit(argv[2])).run();
     const QString dump = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     const QStringList patterns = app.arguments().mid(2);
 
