@@ -17,6 +17,7 @@
 #include <atomic>
 #include <csignal>
 #include <functional>
+#include <initializer_list>
 #include <memory>
 #include <vector>
 
@@ -354,6 +355,10 @@ protected:
     // ---- YumIOApply.cpp: the road of one Apply; work thread, lock held --------------------------
 
     bool applyReal();
+    void resetApplyState();
+    /// Fills the lists that the script gets by what the packages are marked for; false after a
+    /// report.
+    bool applyLists(PyObject* installs, PyObject* updates, PyObject* removes);
     /// True where the entry is to be updated and a version of its chain, itself included, hasn't
     /// been started on.
     bool hasNotStartedUpdate(Package::Entry* entry);
@@ -379,6 +384,11 @@ protected:
     PyObject* requiredPkgs(const Package::Entry* group);
     PyObject* pkgTree(const Package::Entry* group);
     PyObject* allPkgs(const Package::Entry* group);
+    /// The keys of dictionaries of a group, joined; null after a report.
+    PyRef groupKeys(const Package::Entry* group, std::initializer_list<const char*> fields,
+                    const QString& missing, const QString& improper);
+    /// Takes the reference over, which may be null. False after a report.
+    bool groupNames(PyObject* sequence, QStringList& names);
 
     // ---- YumIODepsolve.cpp: what the solver's log lines tell ------------------------------------
 

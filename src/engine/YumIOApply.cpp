@@ -1,6 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
+#include "engine/YumIOCapturers.h"
+#include "engine/YumIODialogs.h"
+#include "progress/Progress.h"
+
+#include <QFile>
+
 #include <array>
 
 namespace
@@ -21,7 +27,144 @@ bool hasNotStarted(const Package::Entry* entry)
 bool YumIO::applyReal()
 {
     blocker.block();
-    return false;
+    Progress::User progressUser(progress, totalBar, itemBar);
+    YumIODialogsUser dialogsUser(dialogs, parentWidget);
+    log(Log::Action, 0, tr("Applying"));
+    PyGILStateWrapper lock(true);
+    progress->startTotal(tr("Checking Dependencies: Total Progress"), 10000);
+    progress->startItem(tr("Preparing"), 100, 1);
+
+    resetApplyState();
+    const PyRef installs = PyRef::adopt(PyList_New(0));
+    const PyRef updates = PyRef::adopt(PyList_New(0));
+    const PyRef removes = PyRef::adopt(PyList_New(0));
+    for (Package::Entry* entry : qAsConst(entries)) {
+        entry->applyAction = entry->action;
+        entry->markedBy = entry;
+        // The head's own mark stays: it is false on every fresh collection.
+        for (Package::Entry* old = entry->next; old; old = old->next)
+            old->started = false;
+    }
+    if (!applyGroups() || !applyLists(installs.get(), updates.get(), removes.get()))
+        return false;
+
+    // A pass over the transaction takes an act a package, and a header is worth ten of them.
+    applyState.depPassActs = applyState.depPackages;
+    applyState.depActs = applyState.depPackages;
+    progress->setupItemActs(9900, Steps(applyState.depHeaders) * 10 + applyState.depActs);
+
+    if (!reapChildren()) {
+        progress->reset();
+        return false;
+    }
+    {
+        YumIOCapturersUser capturersUser(capturers, this);
+        sigchldDisable();
+        // What went wrong so far has been reported.
+        PyErr_Clear();
+        pyExceptStart();
+        commExceptSetup();
+        {
+            const PyRef result = pyMethodCall(yumIO, "apply", "(O,O,O)", installs.get(),
+                                              updates.get(), removes.get());
+            if (commExceptRaised(result.get(), tr("apply changes"))) {
+                pyExceptClear();
+                applyState.applyConfirmed = false;
+                pyMethodCall(yumIO, "applyFailCleanup", "()");
+                PyErr_Clear();
+            } else {
+                pyExceptClear();
+            }
+        }
+        sigchldRestore();
+    }
+    // Whatever has become of the transaction, rpm is through with the system.
+    transactionGuard.reset();
+    pyMethodCall(yumIO, "flush", "()");
+    PyErr_Clear();
+    progress->reset();
+    return applyState.applyConfirmed;
+}
+
+void YumIO::resetApplyState()
+{
+    applyState.transactionText.clear();
+    applyState.transactionListed = false;
+    applyState.applyConfirmed = false;
+    applyState.progressAct = 0;
+    applyState.depPackages = 0;
+    applyState.depHeaders = 0;
+    applyState.downloadTotal = 0;
+    applyState.downloadLeft = 0;
+    applyState.transactionActs = 0;
+    applyState.lastTsCurrent = 0;
+    applyState.deltaRebuilt = false;
+    applyState.tsEventSeen = false;
+    applyState.multi.multiActive = false;
+    applyState.multi.meterThreads.clear();
+    // The rest is set before it is read.
+}
+
+bool YumIO::applyLists(PyObject* installs, PyObject* updates, PyObject* removes)
+{
+    const auto append = [this](PyObject* list, PyObject* item, const Package::Entry& entry,
+                               const QString& message) {
+        if (PyList_Append(list, item) == 0)
+            return true;
+        PyErr_Clear();
+        error(message.arg(entry.name));
+        return false;
+    };
+    const auto countHeader = [this](const Package::Entry& entry) {
+        if (entry.pyObject && !QFile::exists(getLocalHdr(entry.pyObject)))
+            ++applyState.depHeaders;
+    };
+
+    for (Package::Entry* entry : qAsConst(entries)) {
+        if (entry->kind == Package::KindGroup)
+            continue;
+        switch (entry->applyAction) {
+        case Package::ActionInstall:
+            append(installs, entry->pyObject, *entry,
+                   tr("Unable to add package %1 to installs list"));
+            ++applyState.depPackages;
+            countHeader(*entry);
+            break;
+        case Package::ActionUpdate:
+            if (!entry->next) {
+                error(tr("Internal error: Unable to find installed version for package update %1")
+                          .arg(entry->name));
+                return false;
+            }
+            ++applyState.depPackages;
+            for (const Package::Entry* old = entry->next; old; old = old->next) {
+                ++applyState.depPackages;
+                const PyRef pair = PyRef::adopt(PyList_New(0));
+                // Half a pair would be worse than none.
+                if (append(pair.get(), entry->pyObject, *entry,
+                           tr("Unable to add new package to pair for updated package %1")) &&
+                    append(pair.get(), old->pyObject, *entry,
+                           tr("Unable to add old package to pair for updated package %1")))
+                    append(updates, pair.get(), *entry,
+                           tr("Unable to add package %1 to updates list"));
+            }
+            countHeader(*entry);
+            break;
+        case Package::ActionRemove:
+            // The head of an updatable row is the update, which isn't installed.
+            for (const Package::Entry* old = entry->state == Package::StateUpdatable ? entry->next
+                                                                                     : entry;
+                 old; old = old->next) {
+                append(removes, old->pyObject, *entry,
+                       tr("Unable to add package %1 to removes list"));
+                ++applyState.depPackages;
+            }
+            break;
+        case Package::ActionNone:
+            break;
+        }
+    }
+    return true;
 }
 
 bool YumIO::hasNotStartedUpdate(Package::Entry* entry)
