@@ -8,6 +8,7 @@ The list of mirrors is fetched here and not by the downloader, which would try a
 dozen times without a word to the program.
 """
 
+import ctypes
 import os
 import re
 
@@ -33,6 +34,7 @@ _OPTIONS = (
 _ABORTED = re.compile(r'Downloading was aborted by LR_CB_ERROR from mirror failure callback\. '
                       r'Original error was: ')
 _TIMEOUT = 'Curl error (28)'
+_SIGINT = 'Interrupted by a SIGINT signal'
 # So many silent mirrors of a list are enough.
 _SILENT_MIRRORS = 4
 _STOP = 2
@@ -87,6 +89,21 @@ class _Watch(libdnf.repo.PackageTargetCB):
         return _STOP if self._silent >= self._patience else 0
 
 
+def interrupted(text):
+    """True if `text`, of a failed download, says that a signal broke it off.
+
+    The downloader remembers the signal for good and would refuse every later download of the
+    process, so it is made to forget it.
+    """
+    if _SIGINT not in text:
+        return False
+    try:
+        ctypes.c_int.in_dll(ctypes.CDLL('librepo.so.0'), 'lr_interrupt').value = 0
+    except (OSError, ValueError):
+        pass
+    return True
+
+
 def join(url, href):
     """The URL of a repository's file.
 
@@ -105,6 +122,14 @@ class Source:
         self._servers = None
         # What a metalink says of repomd.xml, as `repomd.metalink_hashes` gives it.
         self.hashes = []
+
+    @property
+    def servers(self):
+        """The repository object to download through; its `baseurl` names the servers.
+
+        Only after `find_mirrors` where the repository has a list of mirrors.
+        """
+        return self._repo if self._servers is None else self._servers
 
     def list_url(self):
         """The URL of the repository's metalink or mirror list; None if it has neither."""
@@ -218,6 +243,7 @@ class Source:
                 libdnf.repo.VectorPPackageTarget(targets), True)
         except (libdnf.error.Error, RuntimeError) as exc:
             fatal = text_of(exc)
+            interrupted(fatal)
         for watch in watches:
             if watch.problem is not None:
                 raise watch.problem

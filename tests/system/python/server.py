@@ -20,7 +20,9 @@ _RELEASED = threading.Event()
 
 class Server:
     """The test's side. `behave(path, what)`: what is an HTTP status, 'hang', 'truncate',
-    ['redirect', url], ['slow', seconds] or None for good behaviour."""
+    'corrupt' (wrong bytes), 'stall' (silence from the middle on), ['first', what] (once, then
+    good), ['redirect', url], ['slow', seconds], ['rate', bytes per second] or None for good
+    behaviour."""
 
     def __init__(self, directory):
         self._process = subprocess.Popen(
@@ -61,6 +63,9 @@ class _Handler(http.server.SimpleHTTPRequestHandler):
     directory_served = ''
 
     def translate_path(self, path):
+        if '://' in path:
+            # Asked as a proxy.
+            path = '/' + path.split('/', 3)[3]
         if path.startswith('/vantry?'):
             path = path.partition('&path=')[2]
         return os.path.join(self.directory_served, path.split('?')[0].lstrip('/'))
@@ -79,6 +84,9 @@ class _Handler(http.server.SimpleHTTPRequestHandler):
             return
         what = _STATE['behave'].get(self.path) or _STATE['behave'].get(
             self.path.split('?')[0])
+        if isinstance(what, list) and what[0] == 'first':
+            _STATE['behave'][self.path] = None
+            what = what[1]
         if isinstance(what, int):
             self.send_error(what)
         elif what == 'hang':
@@ -90,9 +98,12 @@ class _Handler(http.server.SimpleHTTPRequestHandler):
         else:
             if isinstance(what, list) and what[0] == 'slow':
                 time.sleep(what[1])
-            self._send(entry, what == 'truncate')
+            try:
+                self._send(entry, what)
+            except (BrokenPipeError, ConnectionResetError):
+                pass
 
-    def _send(self, entry, truncated):
+    def _send(self, entry, what):
         try:
             with open(self.translate_path(self.path), 'rb') as stream:
                 data = stream.read()
@@ -102,10 +113,19 @@ class _Handler(http.server.SimpleHTTPRequestHandler):
         self.send_response(200)
         self.send_header('Content-Length', str(len(data)))
         self.end_headers()
-        if truncated:
+        if what == 'corrupt':
+            data = bytes(byte ^ 0xff for byte in data)
+        if what in ('truncate', 'stall'):
             data = data[:len(data) // 2]
         entry[1] = len(data)
-        self.wfile.write(data)
+        step = max(1, what[1] // 20) if isinstance(what, list) and what[0] == 'rate' \
+            else len(data) or 1
+        for start in range(0, len(data), step):
+            self.wfile.write(data[start:start + step])
+            if step < len(data):
+                time.sleep(0.05)
+        if what == 'stall':
+            _RELEASED.wait(60)
 
 
 class _Server(socketserver.ThreadingMixIn, socketserver.TCPServer):
