@@ -12,11 +12,12 @@ from pathlib import Path
 from demo import Sandbox, SandboxError, Server, make
 from demo.build import describe
 from demo.default import RECIPE
+from demo.recipe import Recipe
 from demo.server import ACTIONS, Control
 
 
 def serve(options) -> None:
-    sandbox = Sandbox(RECIPE, options.directory.resolve())
+    sandbox = Sandbox(options.recipe, options.directory.resolve())
     if not sandbox.repos.is_dir():
         raise SandboxError("no sandbox system in %s: make one first" % options.directory)
     # The server's threads inherit the mask, so that the signals wait for the main thread.
@@ -45,13 +46,14 @@ def control(options) -> None:
     print(json.dumps(Control(options.url)(**request), indent=1))
 
 
-def main() -> int:
+def main(recipe: Recipe = RECIPE) -> int:
+    """The command line; another recipe than the demo's makes and serves another system."""
     parser = argparse.ArgumentParser(prog="demo", description=__doc__)
     commands = parser.add_subparsers(dest="command", required=True)
 
     one = commands.add_parser("make", help="make the sandbox system anew")
     one.add_argument("directory", type=Path)
-    one.set_defaults(call=lambda options: print(describe(make(RECIPE, options.directory))))
+    one.set_defaults(call=lambda options: print(describe(make(options.recipe, options.directory))))
 
     one = commands.add_parser("serve", help="serve its repositories until a signal comes")
     one.add_argument("directory", type=Path)
@@ -71,6 +73,7 @@ def main() -> int:
     one.set_defaults(call=control)
 
     options = parser.parse_args()
+    options.recipe = recipe
     missing = [tool for tool in ("rpmbuild", "rpmsign", "gpg", "createrepo_c", "tar") if not shutil.which(tool)]
     if options.command == "make" and missing:
         print("demo: missing: " + ", ".join(missing), file=sys.stderr)

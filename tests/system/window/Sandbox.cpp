@@ -14,19 +14,24 @@ const char served[] = "VOK_SANDBOX_SERVED";
 
 } // namespace
 
+SandboxServer::SandboxServer(const QString& directory, const QStringList& command)
+    : directory(directory)
+    , command(command)
+{
+}
+
 bool SandboxServer::start()
 {
     if (qEnvironmentVariableIsSet(served))
         return true;
     qputenv("PYTHONPATH", VOK_SOURCE);
     const QString python = QStringLiteral(VOK_PYTHON);
-    const QString directory = QStringLiteral(VOK_SANDBOX);
     QDir().mkpath(directory);
-    if (SandboxRoot::run(python, {"-m", "demo", "make", directory}) != 0)
+    if (SandboxRoot::run(python, command + QStringList{"make", directory}) != 0)
         return false;
     const QString readyFile = scratch.filePath(QStringLiteral("url"));
     server.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    server.start(python, {"-m", "demo", "serve", directory, "--ready-file", readyFile});
+    server.start(python, command + QStringList{"serve", directory, "--ready-file", readyFile});
     qunsetenv("PYTHONPATH");
     if (!QTest::qWaitFor([&] { return QFile::exists(readyFile); }, 20000)) {
         std::fputs("the server of the repositories didn't start\n", stderr);

@@ -5,16 +5,21 @@
 #include <QString>
 #include <QTemporaryDir>
 
-/// The demo's sandbox system for tests that run one process each: the first process makes it and
-/// serves its repositories, the others find it in their environment.
+/// A sandbox system for tests that run one process each: the first process makes it and serves its
+/// repositories, the others find it in their environment.
 class SandboxServer
 {
 public:
+    /// The demo's system by default; `command` is what Python runs to make and to serve it.
+    explicit SandboxServer(const QString& directory = QStringLiteral(VOK_SANDBOX),
+                           const QStringList& command = {"-m", "demo"});
     /// Makes and serves the system, unless a parent process does. False after a message.
     bool start();
     ~SandboxServer();
 
 private:
+    QString directory;
+    QStringList command;
     QProcess server;
     QTemporaryDir scratch;
 };

@@ -13,6 +13,7 @@
 
 WindowSession::WindowSession(const QString& sandbox)
     : SandboxRoot(sandbox)
+    , sandbox(sandbox)
 {
     errorOutput.open();
     savedErrorOutput = dup(STDERR_FILENO);
@@ -25,11 +26,13 @@ WindowSession::~WindowSession()
     close(savedErrorOutput);
     if (failing)
         recover();
+    if (slow)
+        slowDown(0);
 }
 
 void WindowSession::control(const QStringList& arguments)
 {
-    QFile url(QStringLiteral(VOK_SANDBOX "/url"));
+    QFile url(sandbox + QStringLiteral("/url"));
     QVERIFY(url.open(QIODevice::ReadOnly));
     qputenv("PYTHONPATH", VOK_SOURCE);
     QCOMPARE(run(QStringLiteral(VOK_PYTHON),
@@ -50,6 +53,12 @@ void WindowSession::recover()
     control({"--recover"});
 }
 
+void WindowSession::slowDown(int rate)
+{
+    slow = rate > 0;
+    control({"--rate", QString::number(rate)});
+}
+
 void WindowSession::write(const QString& path, const QByteArray& text) const
 {
     QFile file(this->path(path));
@@ -60,12 +69,18 @@ void WindowSession::write(const QString& path, const QByteArray& text) const
 void WindowSession::configure(const QString& path, const QByteArray& section,
                               const QByteArray& lines) const
 {
+    const QByteArray header = '[' + section + "]\n";
+    replace(path, header, header + lines);
+}
+
+void WindowSession::replace(const QString& path, const QByteArray& before,
+                            const QByteArray& after) const
+{
     QFile file(this->path(path));
     QVERIFY2(file.open(QIODevice::ReadOnly), qPrintable(file.fileName()));
     QByteArray text = file.readAll();
-    const QByteArray header = '[' + section + "]\n";
-    QVERIFY2(text.contains(header), header.constData());
-    write(path, text.replace(header, header + lines));
+    QVERIFY2(text.contains(before), before.constData());
+    write(path, text.replace(before, after));
 }
 
 void WindowSession::useRepositories(const QByteArray& sections) const

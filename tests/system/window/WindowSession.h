@@ -20,11 +20,15 @@ public:
     void fail(const QString& pattern, const QString& action);
     /// Everything is served as it should be again.
     void recover();
+    /// Bytes a second of each connection, 0 as fast as it goes; until the end of the session.
+    void slowDown(int rate);
 
     /// Writes a file below the root.
     void write(const QString& path, const QByteArray& text) const;
     /// Adds lines behind the header of a section of a file below the root.
     void configure(const QString& path, const QByteArray& section, const QByteArray& lines) const;
+    /// Replaces a text in a file below the root, everywhere.
+    void replace(const QString& path, const QByteArray& before, const QByteArray& after) const;
     /// Leaves no repository but those of the text, which becomes the only repository file.
     void useRepositories(const QByteArray& sections) const;
 
@@ -43,9 +47,12 @@ public:
     QByteArray terminal();
 
 private:
+    /// Tells the server something.
     void control(const QStringList& arguments);
 
+    QString sandbox;
     QTemporaryFile errorOutput;
     int savedErrorOutput = -1;
     bool failing = false;
+    bool slow = false;
 };

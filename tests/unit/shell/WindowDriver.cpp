@@ -9,11 +9,14 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QSortFilterProxyModel>
 #include <QTableView>
 #include <QTextEdit>
+#include <QTimer>
 #include <QtTest>
 
 namespace
@@ -139,6 +142,37 @@ bool WindowDriver::clickAction(const QString& name)
     QTest::mouseClick(table()->viewport(), Qt::LeftButton, Qt::NoModifier,
                       table()->visualRect(index).center());
     return true;
+}
+
+QStringList WindowDriver::chooseFromMenu(const QModelIndex& cell, const QString& choice)
+{
+    QStringList enabled;
+    QTimer look;
+    QObject::connect(&look, &QTimer::timeout, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (!menu)
+            return;
+        look.stop();
+        const auto actions = menu->actions();
+        for (QAction* action : actions) {
+            if (!action->isEnabled() || !action->isVisible())
+                continue;
+            enabled << action->text().remove(QLatin1Char('&'));
+            if (enabled.last() == choice)
+                QTest::mouseClick(menu, Qt::LeftButton, Qt::NoModifier,
+                                  menu->actionGeometry(action).center());
+        }
+        menu->close();
+    });
+    look.start(20);
+    table()->scrollTo(cell);
+    const QPoint position = table()->visualRect(cell).center();
+    QTest::mousePress(table()->viewport(), Qt::RightButton, Qt::NoModifier, position);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, position,
+                            table()->viewport()->mapToGlobal(position));
+    QApplication::sendEvent(table()->viewport(), &event);
+    QTest::mouseRelease(table()->viewport(), Qt::RightButton, Qt::NoModifier, position);
+    return enabled;
 }
 
 QWidget* WindowDriver::logWindow()

@@ -50,6 +50,10 @@ public:
     /// Clicks the Action cell of a listed package.
     bool clickAction(const QString& name);
 
+    /// Clicks a cell with the right button. Gives the texts of the enabled entries of the menu that
+    /// pops up, without "&", and clicks `choice` there; closes the menu where that isn't offered.
+    QStringList chooseFromMenu(const QModelIndex& cell, const QString& choice);
+
     /// The log window that is open, or null, and what it shows.
     QWidget* logWindow();
     QString logText();
