@@ -5,6 +5,8 @@
 #include <QJsonDocument>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace
 {
 
@@ -94,6 +96,28 @@ bool Contract::collect(const QHash<QString, bool>& usedRepos)
     return m_engine->collect(usedRepos);
 }
 
+void Contract::mark(const QHash<QString, Package::Action>& actions)
+{
+    for (auto action = actions.cbegin(); action != actions.cend(); ++action) {
+        Package::Entry* entry = row(action.key());
+        if (!entry)
+            qFatal("no row %s", qPrintable(action.key()));
+        entry->action = action.value();
+    }
+}
+
+QString Contract::applied()
+{
+    const QStringList found = calls().filter(QRegularExpression(QStringLiteral("^apply\\(")));
+    return found.size() == 1 ? found.first().mid(6).chopped(1) : QString();
+}
+
+void Contract::sortRows()
+{
+    std::sort(m_engine->entries.begin(), m_engine->entries.end(),
+              [](const Package::Entry* a, const Package::Entry* b) { return a->name < b->name; });
+}
+
 QStringList Contract::calls()
 {
     const QString text =
@@ -168,6 +192,15 @@ QStringList Contract::logTexts()
     for (const Log::Entry& entry : qAsConst(m_engine->getLogEntries().entries))
         texts.append(entry.text);
     return texts;
+}
+
+bool Contract::logged(Log::Kind kind, unsigned int level, const QString& text)
+{
+    const QMutexLocker locker(&m_engine->getLogEntries().mutex);
+    const auto& lines = m_engine->getLogEntries().entries;
+    return std::any_of(lines.cbegin(), lines.cend(), [&](const Log::Entry& line) {
+        return line.kind == kind && line.level == level && line.text == text;
+    });
 }
 
 QJsonObject Contract::package(const QString& name, QJsonObject more)

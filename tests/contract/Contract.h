@@ -92,6 +92,15 @@ public:
     void play(const QJsonObject& told);
     bool collect(const QHash<QString, bool>& usedRepos = {});
 
+    /// Marks rows by name.
+    void mark(const QHash<QString, Package::Action>& actions);
+    bool apply() { return m_engine->apply(); }
+    /// Arguments of the call of the script's apply, as "[installs],[pairs of updates],[removes]",
+    /// each name in quotes; null where there wasn't exactly one.
+    QString applied();
+    /// Puts the rows in the order of their names, which a collection leaves open.
+    void sortRows();
+
     /// Methods that the engine called since play(), with their arguments: "enableRepo(base)".
     QStringList calls();
     /// The same without getBiArch and isBetterThan, whose number is nobody's business.
@@ -110,6 +119,8 @@ public:
     Package::Entry* row(const QString& name);
     QStringList rowNames();
     QStringList logTexts();
+    /// Whether the log has this line of this kind and level.
+    bool logged(Log::Kind kind, unsigned int level, const QString& text);
 
     OpenEngine& engine() { return *m_engine; }
     HProgressBar totalBar;
