@@ -67,5 +67,7 @@ int YumIODialogsMinion::message(QMessageBox::Icon icon, const QString& title, co
     }
     box.exec();
     // Closed without a button, a box with a single one counts as that one pressed.
-    return qMax(0, buttons.indexOf(box.clickedButton()));
+    // One that went without a button, as when the program ends, was escaped from.
+    const int pressed = buttons.indexOf(box.clickedButton());
+    return pressed >= 0 ? pressed : qMax(0, escapeButton);
 }
