@@ -22,10 +22,21 @@ QString document(const QString& path)
 
 void MainWindow::apply()
 {
-    QMessageBox::information(
-        this, tr("Apply"),
-        tr("This version can only show packages and mark them. Applying the "
-           "marked actions comes with the next version; nothing was changed."));
+    setReady(false);
+    const bool applied = engine->apply();
+    // Whatever came of it: who sent that waits for the program to end.
+    if (engine->pendingSignal() != 0) {
+        quit();
+        return;
+    }
+    if (applied) {
+        // Packages bring configuration along.
+        conf->read(this);
+        collectAnew();
+    }
+    warnUnlistedActions();
+    stateChanged(-1);
+    setReady(true);
 }
 
 void MainWindow::cleanAndCollect(bool (YumIO::*clean)())

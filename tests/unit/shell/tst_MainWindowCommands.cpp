@@ -1,17 +1,22 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "WindowLife.h"
 
+#include "engine/TransactionGuard.h"
+#include "kit/HFrameLabel.h"
 #include "support/ProcessPerTest.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QFile>
 #include <QJsonArray>
+
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QtTest>
+
+#include <csignal>
 
 namespace
 {
@@ -98,18 +103,118 @@ private Q_SLOTS:
         QVERIFY(!QApplication::overrideCursor());
     }
 
-    void applyTellsThatItComesLaterAndChangesNothing()
+    void aSuccessfulApplyCollectsAnewAndLosesTheActions()
     {
         WindowLife life;
+        life.system["apply"] = QStringLiteral("yumIOC.listTransaction(base())\n"
+                                              "yumIOC.userconfirm()");
+        life.play();
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        life.filter("beta");
+        auto* warning = life.find<HFrameLabel>("warning");
+        QCOMPARE(warning->text(), QString("Unlisted Actions"));
+        life.calls();
+        // What is installed at the end is what the next collection finds.
+        life.system["updates"] = QJsonArray();
+        life.play();
+        life.dialogs.expect("Apply").act([&](QWidget*) { QVERIFY(!life.ready()); }).press("OK");
+        life.click("apply");
+        const QStringList calls = life.calls();
+        QCOMPARE(calls.count("apply"), 1);
+        QCOMPARE(calls.count("collectAll"), 1);
+        QVERIFY(calls.indexOf("apply") < calls.indexOf("collectAll"));
+        QVERIFY(!life.entry("alpha") || life.entry("alpha")->action == Package::ActionNone);
+        QCOMPARE(warning->text(), QString());
+        QVERIFY(!life.find<QPushButton>("apply")->isEnabled());
+        QVERIFY(life.ready());
+        QVERIFY(!QApplication::overrideCursor());
+    }
+
+    void aFailedApplyLeavesEveryActionAsItWas()
+    {
+        WindowLife life;
+        life.system["raise"] =
+            QJsonObject{{"apply", QJsonObject{{"type", "YumBaseError"}, {"text", "no room"}}}};
+        life.play();
         QVERIFY(life.start());
         QVERIFY(life.clickAction("alpha"));
         life.calls();
-        life.dialogs.expect("Apply").textContains("next version").press("OK");
+        const QSignalSpy resets(life.model(), &QAbstractItemModel::modelReset);
+        const Package::Entry* before = life.entry("alpha");
+        life.dialogs.expect("VOK Yum Error").textContains("no room").press("OK");
         life.click("apply");
-        QVERIFY(life.dialogs.waitUntilDone());
-        QCOMPARE(life.calls(), QStringList());
-        QCOMPARE(life.entry("alpha")->action, Package::ActionUpdate);
+        const QStringList calls = life.calls();
+        QCOMPARE(calls.count("apply"), 1);
+        QVERIFY(!calls.contains("collectAll"));
+        QCOMPARE(resets.size(), 0);
+        QCOMPARE(life.entry("alpha"), const_cast<Package::Entry*>(before));
+        QCOMPARE(before->action, Package::ActionUpdate);
+        QVERIFY(life.find<QPushButton>("apply")->isEnabled());
         QVERIFY(life.ready());
+        QVERIFY(!QApplication::overrideCursor());
+    }
+
+    void aCancelledApplyLeavesEveryActionAsItWas()
+    {
+        WindowLife life;
+        life.system["apply"] = QStringLiteral("yumIOC.listTransaction(base())\n"
+                                              "yumIOC.userconfirm()");
+        life.play();
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        life.calls();
+        life.dialogs.expect("Apply").press("Cancel");
+        life.click("apply");
+        const QStringList calls = life.calls();
+        QVERIFY(!calls.contains("collectAll") && !calls.contains("applyFailCleanup"));
+        QCOMPARE(life.entry("alpha")->action, Package::ActionUpdate);
+        QVERIFY(life.find<QPushButton>("apply")->isEnabled());
+        QVERIFY(life.ready());
+    }
+
+    void theWindowRefusesToCloseDuringAnApply()
+    {
+        WindowLife life;
+        life.system["apply"] = QStringLiteral("yumIOC.listTransaction(base())\n"
+                                              "yumIOC.userconfirm()");
+        life.play();
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        QSignalSpy left(&life.window(), &MainWindow::left);
+        life.dialogs.expect("Apply")
+            .act([&](QWidget*) {
+                QVERIFY(!life.window().close());
+                QVERIFY(life.window().isVisible());
+                QVERIFY(!life.action("Quit")->isEnabled());
+            })
+            .press("Cancel");
+        life.click("apply");
+        QCoreApplication::processEvents();
+        QCOMPARE(left.size(), 0);
+        QVERIFY(life.ready());
+    }
+
+    void aSignalDuringTheTransactionEndsTheProgramAfterIt()
+    {
+        WindowLife life;
+        life.system["apply"] = QStringLiteral("import os, signal\n"
+                                              "yumIOC.listTransaction(base())\n"
+                                              "yumIOC.userconfirm()\n"
+                                              "yumIOC.tsInitCallback(1)\n"
+                                              "os.kill(os.getpid(), signal.SIGTERM)\n"
+                                              "record('survived')");
+        life.play();
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        QSignalSpy left(&life.window(), &MainWindow::left);
+        const QSignalSpy resets(life.model(), &QAbstractItemModel::modelReset);
+        life.dialogs.expect("Apply").press("OK");
+        life.click("apply");
+        QCOMPARE(left.size(), 1);
+        QCOMPARE(resets.size(), 0);
+        QVERIFY(!life.window().isVisible());
+        QCOMPARE(TransactionGuard::pendingSignal(), SIGTERM);
     }
 
     void theRepositoryBoxNamesTheFilesAndReadsTheListAnew()
