@@ -143,10 +143,11 @@ PyObject* YumIO::applyGrabMultiMeterStart(PyObject*, PyObject* args)
 
     const Steps first = applyState.progressAct;
     addDownloadActs(bytes);
+    // The item goes up to the act before its end, and there is none before act 0.
+    const Steps end = std::max<Steps>(applyState.progressAct, 1);
     if (progress)
         progress->setupItemActsThreads(QStringLiteral("Downloading %1 packages").arg(files), first,
-                                       applyState.progressAct,
-                                       static_cast<unsigned int>(steps(files)), steps(bytes));
+                                       end, static_cast<unsigned int>(steps(files)), steps(bytes));
     Py_RETURN_NONE;
 }
 
