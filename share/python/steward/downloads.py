@@ -114,11 +114,15 @@ def join(url, href):
 
 
 class Source:
-    """Where the files of one repository come from. Made for one round of downloads."""
+    """Where the files of one repository come from. Made for one round of downloads.
 
-    def __init__(self, repo, conf):
+    `what` is what the failures call them.
+    """
+
+    def __init__(self, repo, conf, what='metadata'):
         self._repo = repo
         self._conf = conf
+        self._what = what
         self._servers = None
         # What a metalink says of repomd.xml, as `repomd.metalink_hashes` gives it.
         self.hashes = []
@@ -166,16 +170,16 @@ class Source:
         found = [libdnf.conf.ConfigParser.substitute(line, self._conf.substitutions)
                  for line in found if '://' in line and not line.startswith('#')]
         if not found:
-            raise RepoError("Failed to download metadata for repository '%s': the list of mirrors "
-                            'at %s names none' % (self._repo.id, self.list_url()))
+            raise RepoError("Failed to download %s for repository '%s': the list of mirrors "
+                            'at %s names none' % (self._what, self._repo.id, self.list_url()))
         return found
 
     def _read_metalink(self, path):
         try:
             return repomd.read_metalink(path)
         except RepoError as exc:
-            problem = RepoError("Failed to download metadata for repository '%s': %s"
-                                % (self._repo.id, text_of(exc)))
+            problem = RepoError("Failed to download %s for repository '%s': %s"
+                                % (self._what, self._repo.id, text_of(exc)))
         raise problem
 
     def _peer(self, urls):
@@ -193,6 +197,10 @@ class Source:
         if headers:
             peer.set_http_headers(headers)
         return peer
+
+    def fetch_url(self, url, path):
+        """Downloads one file from anywhere, with the repository's settings. Raises RepoError."""
+        self._run(self._peer([os.path.dirname(url)]), [File(url, path)], None, 1)
 
     def fetch(self, files, meter):
         """Downloads `files` side by side; `meter` gets the sum of their bytes.
@@ -258,7 +266,7 @@ class Source:
     def _failure(self, name, error, failures):
         exhausted = is_exhausted(error) or _ABORTED.search(error) is not None
         error = _ABORTED.sub('', error)
-        head = "Failed to download metadata for repository '%s': " % self._repo.id
+        head = "Failed to download %s for repository '%s': " % (self._what, self._repo.id)
         if name and name not in error:
             head += name + ': '
         lines = [head + error]

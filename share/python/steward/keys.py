@@ -1,12 +1,18 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Asks the user before a signing key is trusted."""
 
+import os
+import shutil
+import tempfile
 import time
 
 import dnf.callback
+import dnf.crypto
 import yumIOC
 
+from steward.errors import text_of
 from steward.texts import masked
+from yum.Errors import YumBaseError
 
 
 def confirm(lines):
@@ -27,6 +33,87 @@ def confirm(lines):
     return yumIOC.userconfirm() == 1
 
 
+class Key:
+    """A signing key as it is shown to the user, and its data."""
+
+    __slots__ = ('id', 'userid', 'fingerprint', 'url', 'timestamp', 'ids', 'revoked', 'expired',
+                 'data')
+
+    def __init__(self, id, userid, fingerprint, url, timestamp):  # pylint: disable=redefined-builtin
+        self.id = id
+        self.userid = userid
+        self.fingerprint = fingerprint
+        self.url = url
+        self.timestamp = timestamp
+        # Ids and fingerprints of the key and all its subkeys, in lower case.
+        self.ids = ()
+        self.revoked = False
+        self.expired = False
+        self.data = b''
+
+    @property
+    def short_id(self):
+        return '0x' + self.id[-8:].upper()
+
+    def __str__(self):
+        return '%s (%s)' % (self.short_id, self.userid)
+
+    def made(self, name):
+        """True if a signature that names its key by `name`, the end of an id, is of this one."""
+        return any(known.endswith(name.lower()) for known in self.ids)
+
+
+def trusts(head, key):
+    """Asks the user whether `key` is to be trusted, after the lines `head`."""
+    lines = head.split('\n') + [
+        'User ID: %s' % key.userid,
+        'Key ID: %s' % key.short_id,
+        'Fingerprint: %s' % key.fingerprint,
+        'Created: %s' % time.strftime('%Y-%m-%d', time.gmtime(key.timestamp)),
+        'From: %s' % key.url,
+    ]
+    if key.expired:
+        lines.append('This key has expired.')
+    return confirm(lines + ['Is this key to be trusted?'])
+
+
+def read(path, url):
+    """The keys in the file at `path`, which came from `url`.
+
+    Raises YumBaseError when it holds none or can't be read.
+    """
+    directory = tempfile.mkdtemp(prefix='vok-keys-')
+    try:
+        with open(path, 'rb') as stream, dnf.crypto.pubring_dir(directory), \
+                dnf.crypto.Context() as context:
+            context.op_import(stream.read())
+            # A list that is not read to its end is in the way of the export.
+            found = [_key(context, entry, url) for entry in list(context.keylist())]
+    except Exception as exc:  # pylint: disable=broad-except
+        # The library has the choice of two bindings to GnuPG, each with exceptions of its own.
+        problem = YumBaseError('%s: the key cannot be read: %s' % (masked(url), text_of(exc)))
+    else:
+        problem = None if found else YumBaseError('%s: there is no key in it' % masked(url))
+    finally:
+        shutil.rmtree(directory, ignore_errors=True)
+    if problem is not None:
+        raise problem
+    return found
+
+
+def _key(context, entry, url):
+    main = entry.subkeys[0]
+    key = Key(main.keyid, entry.uids[0].uid if entry.uids else '', main.fpr, url, main.timestamp)
+    key.ids = tuple(text.lower() for part in entry.subkeys for text in (part.keyid, part.fpr))
+    key.revoked = bool(entry.revoked)
+    key.expired = bool(entry.expired)
+    with dnf.crypto.Data() as sink:
+        context.op_export(main.fpr, 0, sink)
+        sink.seek(0, os.SEEK_SET)
+        key.data = sink.read()
+    return key
+
+
 class KeyQuestion(dnf.callback.KeyImport):
     """Decides on a key that a repository's metadata is signed with."""
 
@@ -36,15 +123,8 @@ class KeyQuestion(dnf.callback.KeyImport):
         self.refused = False
 
     def _confirm(self, id, userid, fingerprint, url, timestamp):  # pylint: disable=redefined-builtin
-        trusted = confirm((
+        trusted = trusts(
             "The metadata of the repository '%s' is signed with a key that is not known yet:"
-            % self._repo,
-            'User ID: %s' % userid,
-            'Key ID: 0x%s' % id[-8:],
-            'Fingerprint: %s' % fingerprint,
-            'Created: %s' % time.strftime('%Y-%m-%d', time.gmtime(timestamp)),
-            'From: %s' % url,
-            'Is this key to be trusted?',
-        ))
+            % self._repo, Key(id, userid, fingerprint, url, timestamp))
         self.refused = not trusted
         return trusted

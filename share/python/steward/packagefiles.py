@@ -27,7 +27,6 @@ from yum.Errors import RepoError, YumBaseError
 LOGGER = logging.getLogger('dnf')
 
 _STAGING = '.vok-fetch-'
-_METADATA = re.compile(r"Failed to download metadata for repository '[^']*': ")
 # So many silent mirrors of a list are enough.
 _SILENT_MIRRORS = 4
 # What the library takes for an answer: give this file up, and leave the others alone.
@@ -365,7 +364,7 @@ class _Fetch:
 
     def _source(self, repo, scratch):
         """(source, None or why there is none, patience)."""
-        source = downloads.Source(repo, self._system.conf)
+        source = downloads.Source(repo, self._system.conf, 'the list of mirrors')
         try:
             if source.list_url():
                 source.find_mirrors(None, scratch)
@@ -375,7 +374,7 @@ class _Fetch:
             return source, None, _Patience(len(source.servers.baseurl))
         if downloads.interrupted(text):
             raise KeyboardInterrupt(text)
-        return source, _METADATA.sub('the list of mirrors: ', text), None
+        return source, text, None
 
     # Download
 

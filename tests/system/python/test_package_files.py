@@ -490,7 +490,7 @@ class Mirrors(Fetching):
         os.unlink(os.path.join(self.served, 'list'))
         packages = [package for package in self.made.lists.available if package.name == 'beta']
         text = self.refused(packages)
-        self.assertRegex(text, 'beta.*the list of mirrors: .*404')
+        self.assertRegex(text, 'beta.*Failed to download the list of mirrors.*404')
         self.assertIn('MultiMeterEnd', self.meters())
 
     def test_serversThatEndInAQueryAreTriedInTurn(self):
