@@ -72,7 +72,7 @@ class ExtraData:
             with dnf.lock.build_metadata_lock(self._cachedir, True):
                 for repo in self._repos:
                     try:
-                        path = self._file(repo, kind, label)
+                        path = fetch(repo, self._conf, self._meters, kind, label)
                     except RepoError as exc:
                         if not repo.skip_if_unavailable:
                             raise
@@ -87,30 +87,6 @@ class ExtraData:
             text = text_of(exc)
             problem = NoMoreMirrorsRepoError(text) if is_exhausted(text) else YumBaseError(text)
         raise problem
-
-    def _file(self, repo, kind, label):
-        """The path of the repository's metadata file, fetched if need be; None if it has none."""
-        directory = repo._repo.getCachedir()
-        record = repomd.read(os.path.join(directory, 'repodata', 'repomd.xml')).get(kind)
-        if record is None:
-            return None
-        path = os.path.join(directory, record.href)
-        if repomd.file_matches(path, record.checksum_type, record.checksum):
-            return path
-        staging = tempfile.mkdtemp(prefix='vok-fetch-', dir=directory)
-        try:
-            fetched = os.path.join(staging, os.path.basename(record.href))
-            meter = self._meters.download(repo.id, label, record.size)
-            source = downloads.Source(repo, self._conf)
-            source.find_mirrors(None, staging)
-            source.fetch([downloads.File(record.href, fetched, record.checksum_type,
-                                         record.checksum, record.size, record.base)], meter)
-            meter.end(os.path.getsize(fetched))
-            os.makedirs(os.path.dirname(path), exist_ok=True)
-            os.rename(fetched, path)
-        finally:
-            shutil.rmtree(staging, ignore_errors=True)
-        return path
 
     def _read(self, paths, convert):
         spool = Spool(self._cachedir)
@@ -127,6 +103,31 @@ class ExtraData:
             spool.close()
             raise
         return spool
+
+
+def fetch(repo, conf, meters, kind, label):
+    """The path of the repository's metadata file, fetched if need be; None if it has none."""
+    directory = repo._repo.getCachedir()
+    record = repomd.read(os.path.join(directory, 'repodata', 'repomd.xml')).get(kind)
+    if record is None:
+        return None
+    path = os.path.join(directory, record.href)
+    if repomd.file_matches(path, record.checksum_type, record.checksum):
+        return path
+    staging = tempfile.mkdtemp(prefix='vok-fetch-', dir=directory)
+    try:
+        fetched = os.path.join(staging, os.path.basename(record.href))
+        meter = meters.download(repo.id, label, record.size)
+        source = downloads.Source(repo, conf)
+        source.find_mirrors(None, staging)
+        source.fetch([downloads.File(record.href, fetched, record.checksum_type,
+                                     record.checksum, record.size, record.base)], meter)
+        meter.end(os.path.getsize(fetched))
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        os.rename(fetched, path)
+    finally:
+        shutil.rmtree(staging, ignore_errors=True)
+    return path
 
 
 def packages(path, report=None):

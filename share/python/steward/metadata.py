@@ -22,7 +22,8 @@ _STAGING = 'vok-fetch-'
 class Refresh:
     """The steps for one repository: `check`, then `download`, both under the metadata lock.
 
-    `check` asks the server only when the cache is missing, incomplete, expired or `ask` is true.
+    `check` asks the server only when the cache is missing, incomplete, expired or `ask` is true;
+    with None as `ask` an expired cache is good enough.
     """
 
     def __init__(self, repo, conf, meters, ask=False, file_lists=False):
@@ -47,7 +48,7 @@ class Refresh:
             if not cached:
                 raise RepoError("Cache-only enabled but no cache for '%s'" % self._repo.id)
             return False
-        if cached and not self._ask and not self._expired():
+        if cached and (self._ask is None or not self._ask and not self._expired()):
             return False
         self._remove_leftovers()
         os.makedirs(self._directory, exist_ok=True)

@@ -11,7 +11,8 @@ import shutil
 import hawkey
 import yumIOC
 
-from steward import arches, caches, errors, extradata, groups, lock, logs, meters, packages, system
+from steward import arches, caches, errors, execution, extradata, groups, lock, logs, meters
+from steward import packagefiles, packages, signatures, system, transaction
 from yum.Errors import YumBaseError
 
 logs.start()
@@ -58,6 +59,8 @@ class Session:
     def __init__(self):
         self._system = None
         self._groups = []
+        # Whether the next `flush` is that of an Apply, and whether one has succeeded.
+        self._applying = False
         self._applied = False
 
     # The system behind it
@@ -184,18 +187,51 @@ class Session:
             self._system.extra.close()
             self._system.extra = None
 
+    # Apply
+
+    @errors.communication
+    def apply(self, installs, updates, removes):
+        """The marked changes as one transaction, which the user sees and confirms before."""
+        self._applying = True
+        self._sack()
+        execution.refuse_foreign_lock()
+        plan = transaction.Plan(self.system, transaction.Marks(installs, updates, removes))
+        try:
+            plan.solve()
+            yumIOC.listTransaction(plan)
+            new = plan.news()
+            yumIOC.reportDownloadSize(transaction.not_yet_here(new))
+            if yumIOC.userconfirm() != 1:
+                return
+            packagefiles.fetch(plan.system, new)
+            yumIOC.gpgsigcheck()
+            signatures.check(plan.system, new)
+            self.system.close_database()
+            execution.Run(plan).run()
+            self._applied = True
+            yumIOC.postTransactionOutput(plan)
+        finally:
+            plan.end()
+
+    @errors.quiet(lambda: None)
+    def applyFailCleanup(self):
+        """`apply` leaves nothing behind when it fails."""
+
     # The end
 
     @errors.quiet(lambda: None)
     def flush(self):
         """The object is about to be dropped, or an Apply is over.
 
-        Dropping it is how the program refreshes, so the next collection asks the servers; after an
-        Apply the metadata that was good enough for it still is.
+        Dropping it is how the program refreshes, so the next collection asks the servers; when an
+        Apply has succeeded the metadata that was good enough for it still is.
         """
-        if _Process.collected and not self._applied:
-            _Process.ask = True
-        self._groups = []
+        if self._applying:
+            self._applying = False
+        else:
+            self._groups = []
+            if _Process.collected and not self._applied:
+                _Process.ask = True
         if self._system is not None:
             self._system.close_database()
 

@@ -5,6 +5,7 @@ The root is the environment's VOKROOT, else the running system. One `System` ser
 the next collection makes a new one, after `end` has closed the last.
 """
 
+import functools
 import logging
 import os
 import resource
@@ -21,7 +22,7 @@ import libdnf.conf
 import libdnf.error
 import rpm
 
-from steward import lock, metadata, packages
+from steward import extradata, lock, metadata, packages
 from steward.errors import repo_error, text_of
 from steward.keys import KeyQuestion
 from yum.Errors import RepoError
@@ -97,15 +98,19 @@ class Repositories:
 
 
 class System:
-    """Configuration and base object for one collection.
+    """Configuration and base object for one collection, or for one Apply beside it.
 
-    `file_lists` says whether the library is to know all file names, as a dependency on a file that
+    `beside` is the System of the collection; its choice of repositories holds for this one too, and
+    its packages stay usable. `file_lists` says whether the library is to know all file names, as a dependency on a file that
     the packages' own metadata doesn't carry requires. Failures of the configuration are kept in
     `problem`, and `load` raises them.
     """
 
-    def __init__(self, meters, file_lists=False):
-        end_current()
+    def __init__(self, meters, file_lists=False, beside=None):
+        if beside is None:
+            end_current()
+        else:
+            beside.rest()
         self.problem = None
         self.meters = meters
         self.conf = self._configured()
@@ -114,6 +119,8 @@ class System:
         _CURRENT.append(self)
         self._plugins_loaded = False
         self._set_up()
+        if beside is not None:
+            self._use_repositories_of(beside)
         self.repos = Repositories(self.base)
         self._headers = None
         self.extra = None
@@ -196,6 +203,11 @@ class System:
         for repo in base.repos.values():
             repo._set_key_import(KeyQuestion(repo.id))
 
+    def _use_repositories_of(self, other):
+        used = {repo.id for repo in other.base.repos.iter_enabled()}
+        for repo in self.base.repos.values():
+            (repo.enable if repo.id in used else repo.disable)()
+
     @staticmethod
     def _run_plugins(step):
         try:
@@ -247,6 +259,14 @@ class System:
 
         Repositories that may be missing are left out with a warning. Raises RepoError.
         """
+        self._load(functools.partial(self._update, ask))
+
+    def load_cached(self):
+        """Reads the metadata that the collection has used, and the installed packages. Only what is
+        missing is fetched. Raises RepoError."""
+        self._load(self._complete)
+
+    def _load(self, update):
         if self.problem is not None:
             raise RepoError(self.problem)
         if not self._has_database:
@@ -254,7 +274,7 @@ class System:
                            _database_path())
         _allow_open_files(len(list(self.base.repos.iter_enabled())))
         try:
-            self._update(ask)
+            update()
             self.base.fill_sack()
         except OSError as exc:
             problem = RepoError('The package database at %s, or the cache at %s, cannot be used: %s'
@@ -265,6 +285,17 @@ class System:
             self.arches = list(self.base.sack.list_arches())
             return
         raise problem
+
+    def _complete(self):
+        if self.base.file_lists:
+            with dnf.lock.build_metadata_lock(self.conf.cachedir, True):
+                for repo in self.base.repos.iter_enabled():
+                    try:
+                        extradata.fetch(repo, self.conf, self.meters, 'filelists', 'filelists.xml')
+                    except (OSError, RepoError) as exc:
+                        # The server may have newer metadata by now, which is then fetched whole.
+                        LOGGER.warning('%s', text_of(exc))
+        self._update(None)
 
     def _update(self, ask):
         """First asks all servers, then downloads from all, as the program's progress expects."""
@@ -307,6 +338,16 @@ class System:
             return header
         return None
 
+    def rest(self):
+        """Gives way to another System, without ending this one: plugins exist once in a process."""
+        self.close_database()
+        self._unload_plugins()
+
+    def _unload_plugins(self):
+        if self._plugins_loaded:
+            self._plugins_loaded = False
+            self.base.unload_plugins()
+
     def close_database(self):
         """Lets the package database go. It is opened again when needed."""
         if self._headers is not None:
@@ -319,9 +360,7 @@ class System:
             _CURRENT.remove(self)
         self.close_database()
         try:
-            if self._plugins_loaded:
-                self._plugins_loaded = False
-                self.base.unload_plugins()
+            self._unload_plugins()
             self.base.close()
         except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError, KeyError, OSError) as exc:
             LOGGER.warning('%s', text_of(exc))

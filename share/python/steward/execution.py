@@ -1,0 +1,214 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
+"""Runs a solved transaction: rpm's events on their way to the program, and what failed.
+
+rpm changes the root of the whole process while it runs under another one, so nothing may be imported
+meanwhile; and an exception that left a callback would end the process.
+"""
+
+import fcntl
+import logging
+import os
+import re
+import struct
+
+import dnf.exceptions
+import dnf.yum.rpmtrans
+import rpm
+import yumIOC
+from libdnf.transaction import TransactionItemState_DONE as DONE
+
+from steward import lock
+from steward.errors import LIBRARY, text_of
+from steward.system import below_root
+from steward.texts import masked
+from yum.Errors import YumBaseError
+
+# From this action on the library tells of its own phases, not of packages.
+_PHASES = 100
+_NOT_RUN = 'Could not run transaction.'
+_SCRIPTLET = re.compile(r'Error in (\S+) scriptlet in rpm package (\S+)\Z')
+_PARTS = {
+    'PREIN': 'the script that runs before its installation',
+    'POSTIN': 'the script that runs after its installation',
+    'PREUN': 'the script that runs before its removal',
+    'POSTUN': 'the script that runs after its removal',
+    'PRETRANS': 'the script that runs before the transaction',
+    'POSTTRANS': 'the script that runs after the transaction',
+}
+# struct flock where off_t has 64 bits: type, whence, start, length, process.
+_FLOCK = 'hhqqi'
+
+
+class _Failures(logging.Handler):
+    """Keeps the lines of the library's errors."""
+
+    def __init__(self):
+        super().__init__(logging.ERROR)
+        self.lines = []
+
+    def emit(self, record):
+        line = record.getMessage()
+        self.lines.append(line[5:] if line.startswith('RPM: ') else line)
+
+
+def _is_no_output(record):
+    """The library logs what scriptlets write as information; the display tells it line by line."""
+    return record.levelno != logging.INFO
+
+
+class _Display(dnf.yum.rpmtrans.TransactionDisplay):
+    """What rpm tells of the run, for the program."""
+
+    def __init__(self, plan):
+        super().__init__()
+        self._plan = plan
+        self.failures = []
+
+    def progress(self, package, action, ti_done, ti_total, ts_done, ts_total):
+        if action >= _PHASES:
+            return
+        event = self._plan.event(package, action)
+        if event is not None:
+            subject = package if event < 40 else package.name
+            yumIOC.tsEvent(subject, event, int(ti_done), int(ti_total), int(ts_done),
+                           int(ts_total))
+
+    def scriptout(self, msgs):
+        if not msgs:
+            return
+        text = msgs.decode('utf-8', 'replace') if isinstance(msgs, bytes) else msgs
+        for line in text.replace('\0', ' ').splitlines():
+            if line.strip():
+                yumIOC.stdoutWrite(masked(line) + '\n')
+
+    def error(self, message):
+        message = _plain(str(message))
+        if message not in self.failures:
+            self.failures.append(message)
+
+
+def _plain(message):
+    """A failure in words for the reader, where its form is known."""
+    found = _SCRIPTLET.match(message)
+    if found is None:
+        return message
+    part = _PARTS.get(found.group(1), 'the script %s' % found.group(1))
+    return '%s: %s failed (%s)' % (found.group(2), part, found.group(1))
+
+
+class Run:
+    """The run of one plan."""
+
+    def __init__(self, plan):
+        self._plan = plan
+        self._base = plan.system.base
+        self._display = _Display(plan)
+        self._log = _Failures()
+        self._raised = None
+
+    def run(self):
+        """Raises YumBaseError with all that failed."""
+        refuse_foreign_lock()
+        yumIOC.tsInitCallback(0)
+        problem = None
+        outputs, library = logging.getLogger('dnf.rpm'), logging.getLogger('dnf')
+        outputs.addFilter(_is_no_output)
+        library.addHandler(self._log)
+        self._base._run_transaction = self._announced
+        try:
+            self._base.do_transaction(display=self._display)
+        except LIBRARY as exc:
+            problem = YumBaseError(self._not_run(text_of(exc)))
+        finally:
+            del self._base._run_transaction
+            library.removeHandler(self._log)
+            outputs.removeFilter(_is_no_output)
+        if self._raised is not None:
+            raise self._raised
+        if problem is not None:
+            raise problem
+        self._check()
+
+    def _announced(self, cb):
+        """The library's step between the test and the end of the run."""
+        yumIOC.tsInitCallback(1)
+        callback = cb.callback
+
+        def guarded(*args):
+            try:
+                return callback(*args)
+            except BaseException as exc:  # pylint: disable=broad-except
+                # rpm goes on: half a transaction is worse than one that nobody watches.
+                self._keep(exc)
+                return None
+        cb.callback = guarded
+        for name in ('progress', 'scriptout', 'error'):
+            setattr(self._display, name, self._kept(getattr(self._display, name)))
+        return type(self._base)._run_transaction(self._base, cb)
+
+    def _kept(self, method):
+        def call(*args):
+            try:
+                method(*args)
+            except BaseException as exc:  # pylint: disable=broad-except
+                self._keep(exc)
+        return call
+
+    def _keep(self, exc):
+        if self._raised is None:
+            self._raised = exc
+
+    # What failed
+
+    def _not_run(self, text):
+        lines = self._log.lines
+        if text != _NOT_RUN and lines and isinstance(text, str) and text == lines[-1]:
+            # The check tells its last line only.
+            text = '\n'.join(lines)
+        elif text == _NOT_RUN and lines:
+            text = '\n'.join(lines)
+        text = text.strip()
+        if 'transaction lock' in text:
+            return _in_use(None)
+        return masked('The transaction was not run, and nothing has changed:\n%s' % text)
+
+    def _check(self):
+        undone = [str(package) for item, package in self._plan.items if item.state != DONE]
+        failures = self._display.failures
+        if not undone and not failures:
+            return
+        # What was downloaded is kept for another try.
+        self._base._trans_success = False
+        parts = ['The transaction was run, but not all of it succeeded.']
+        if undone:
+            parts.append('Not done:\n  ' + '\n  '.join(undone))
+        if failures:
+            parts.append('Failures:\n  ' + '\n  '.join(failures))
+        parts.append('The log has the output of the scripts. What was done stays done. Refresh the '
+                     'list of packages to see the present state.')
+        raise YumBaseError(masked('\n\n'.join(parts)))
+
+
+def _in_use(pid):
+    who = lock.holder(pid) if pid else 'another process'
+    return 'The package database is in use by %s, so the transaction was not run and nothing has ' \
+        'changed.\nWait until it has finished, and try again.' % who
+
+
+def refuse_foreign_lock():
+    """Raises YumBaseError if another process holds rpm's own lock."""
+    path = below_root(rpm.expandMacro('%{?_rpmlock_path}')
+                      or os.path.join(rpm.expandMacro('%{_dbpath}'), '.rpm.lock'))
+    try:
+        descriptor = os.open(path, os.O_RDWR | os.O_CLOEXEC)
+    except OSError:
+        return
+    try:
+        asked = struct.pack(_FLOCK, fcntl.F_WRLCK, os.SEEK_SET, 0, 0, 0)
+        kind, _, _, _, pid = struct.unpack(_FLOCK, fcntl.fcntl(descriptor, fcntl.F_GETLK, asked))
+    except OSError:
+        return
+    finally:
+        os.close(descriptor)
+    if kind != fcntl.F_UNLCK:
+        raise YumBaseError(_in_use(pid))
