@@ -25,6 +25,7 @@ public:
     using YumIO::basearch;
     using YumIO::bestByName;
     using YumIO::biArchs;
+    using YumIO::capturers;
     using YumIO::clearEntriesReal;
     using YumIO::clearingEntries;
     using YumIO::collectEnd;
