@@ -109,7 +109,8 @@ class FileMeter:
 
     __slots__ = ('_name', '_text', '_size', '_known', '_running', '_last', '_next')
 
-    # Seconds between two reports of one file: more than the eye can follow costs time.
+    # Seconds between two reports of one file. Each makes the program copy the state of all files,
+    # so files that come faster than the eye can follow have none between start and end.
     INTERVAL = 0.05
 
     def __init__(self, name, repo, size):
@@ -137,6 +138,7 @@ class FileMeter:
             yumIOC.applyGrabMultiMeterNew(self)
         self._running = True
         self._last = 0
+        self._next = time.monotonic() + self.INTERVAL
         yumIOC.applyGrabMeterStart(self, self._name, None, None, self._size, self._text)
 
     def end(self, amount):

@@ -56,12 +56,17 @@ def identity(package):
     return hawkey.chksum_name(checksum[0]), checksum[1].hex()
 
 
+def is_whole(package, path):
+    """True if `path` is there and as long as the package's file."""
+    try:
+        return os.path.getsize(path) == package.downloadsize
+    except OSError:
+        return False
+
+
 def is_right(package, path):
     """True if `path` is the package's file, whole and unchanged."""
-    try:
-        if os.path.getsize(path) != package.downloadsize:
-            return False
-    except OSError:
+    if not is_whole(package, path):
         return False
     kind, checksum = identity(package)
     return kind not in repomd.DIGESTS or repomd.file_matches(path, kind, checksum)
@@ -420,9 +425,9 @@ class _Fetch:
                 job.failed(error or 'not finished')
 
     def finished(self, job):
-        """The library has the whole file and its checksum is right."""
-        if not is_right(job.package, job.staged):
-            job.failed('the file is not what the metadata says (size or checksum)')
+        """The library has the file and has found its checksum right."""
+        if not is_whole(job.package, job.staged):
+            job.failed('the file has a wrong size')
             return
         try:
             os.replace(job.staged, job.path)
