@@ -198,6 +198,12 @@ class Source:
             peer.set_http_headers(headers)
         return peer
 
+    def at(self, urls):
+        """The same repository, its files elsewhere."""
+        made = Source(self._repo, self._conf, self._what)
+        made._servers = self._peer(urls)
+        return made
+
     def fetch_url(self, url, path):
         """Downloads one file from anywhere, with the repository's settings. Raises RepoError."""
         self._run(self._peer([os.path.dirname(url)]), [File(url, path)], None, 1)

@@ -246,10 +246,9 @@ class _Watch(libdnf.repo.PackageTargetCB):
         if self._since is None:
             self._since = time.monotonic()
         if job.patience.exhausted:
-            job.fatal = 'not tried any longer, the server does not answer' \
-                if not job.failures else None
+            job.failed('not tried any longer, as the server does not answer')
             return _GIVE_UP
-        if self._fetch.full and not job.failures:
+        if self._fetch.full:
             job.fatal = 'not tried, there is no space for it'
             return _GIVE_UP
         job.meter.progress(done)
@@ -304,6 +303,9 @@ class _Fetch:
         self._system = system
         self._jobs = jobs
         self._staging = {}
+        # By repository, and by server where that isn't one of the repository's own choice.
+        self._sources = {}
+        self._patiences = {}
         self.retries = system.conf.retries
         # True once the disk was full.
         self.full = False
@@ -331,23 +333,21 @@ class _Fetch:
 
     def _prepare(self):
         """Finds the servers and makes the directories."""
-        sources = {}
         for job in self._jobs:
             job.staged = os.path.join(self._stage(os.path.dirname(job.path)), job.name)
-            if job.repo.id not in sources:
-                sources[job.repo.id] = self._source(job.repo, os.path.dirname(job.staged))
-            source, problem, patience = sources[job.repo.id]
-            if job.package.baseurl:
-                job.source = source
-                job.patience = _Patience(1)
-                job.queries = [job.package.baseurl] if '?' in job.package.baseurl else []
-            elif problem is not None:
-                job.fatal = problem
-            else:
-                job.source = source
-                job.patience = patience
-                urls = list(source.servers.baseurl)
+            base = job.package.baseurl or None
+            if (job.repo.id, base) not in self._sources:
+                self._sources[job.repo.id, base] = self._source(job.repo, base,
+                                                                os.path.dirname(job.staged))
+            job.source, job.fatal = self._sources[job.repo.id, base]
+            if job.source is not None:
+                urls = list(job.source.servers.baseurl)
+                job.patience = self._patience(job.repo.id, base, len(urls))
                 job.queries = urls if any('?' in url for url in urls) else []
+
+    def _patience(self, repoid, base, servers):
+        """What is known of a repository's servers, or of one of them."""
+        return self._patiences.setdefault((repoid, base), _Patience(servers))
 
     def _stage(self, directory):
         """A directory beside the packages' final places, so that renaming suffices."""
@@ -367,19 +367,21 @@ class _Fetch:
                 raise problem
         return self._staging[directory]
 
-    def _source(self, repo, scratch):
-        """(source, None or why there is none, patience)."""
+    def _source(self, repo, base, scratch):
+        """(source, None), or (None, why there is none)."""
         source = downloads.Source(repo, self._system.conf, 'the list of mirrors')
+        if base is not None:
+            return source.at([base]), None
         try:
             if source.list_url():
                 source.find_mirrors(None, scratch)
         except RepoError as exc:
             text = text_of(exc)
         else:
-            return source, None, _Patience(len(source.servers.baseurl))
+            return source, None
         if downloads.interrupted(text):
             raise KeyboardInterrupt(text)
-        return source, text, None
+        return None, text
 
     # Download
 
@@ -397,8 +399,9 @@ class _Fetch:
         for job in jobs:
             href, base = job.package.location, job.package.baseurl
             if job.queries:
-                href, base = downloads.join(job.queries.pop(0), href), None
-                job.patience = _Patience(1)
+                server = job.queries.pop(0)
+                job.patience = self._patience(job.repo.id, server, 1)
+                href, base = downloads.join(server, href), None
             watch = _Watch(self, job, href)
             watches.append(watch)
             kind, checksum = job.checksum

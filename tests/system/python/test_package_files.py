@@ -212,6 +212,19 @@ class Good(Fetching):
         self.assertEqual(['/other/' + Rpm('alpha').filename],
                          [path for path, _ in self.server.requests()])
 
+    def test_aBaseOfThePackagesOwnNeedsNoMirrors(self):
+        self.repository('first', PACKAGES, baseurl=False,
+                        text='mirrorlist=%s/list\n' % self.server.url,
+                        options=['--baseurl', self.server.url + '/vantry?a=b&c=d&path=first'])
+        with open(os.path.join(self.served, 'list'), 'w') as stream:
+            stream.write(self.server.url + '/first\n')
+        package, = self.ready('alpha')
+        os.unlink(os.path.join(self.served, 'list'))
+        self.fetch([package])
+        self.good(package)
+        self.assertEqual(['/vantry?a=b&c=d&path=first/' + Rpm('alpha').filename],
+                         [path for path, _ in self.server.requests()])
+
     def test_thePathBelongsToTheEndOfAQuery(self):
         self.repository('first', PACKAGES, baseurl=False, text='baseurl=%s\n' % (
             self.server.url + '/vantry?user=me&password=secret&path=first'))
@@ -365,6 +378,22 @@ class Failing(Fetching):
         for name in names:
             self.assertIn(name, text)
         self.assertIn('did not answer in time', text)
+
+    def test_aSilentServerOfAQueryIsWaitedForOnce(self):
+        names = ['p%02d' % number for number in range(12)]
+        query = '/vantry?a=b&c=d&path='
+        self.repository('many', [Rpm(name) for name in names], baseurl=False,
+                        text='timeout=1\nbaseurl={0}silent {0}many\n'.format(
+                            self.server.url + query))
+        shutil.copytree(os.path.join(self.served, 'many', 'repodata'),
+                        os.path.join(self.served, 'silent', 'repodata'))
+        packages = self.ready(*names)
+        for name in names:
+            self.server.behave(query + 'silent/' + Rpm(name).filename, 'hang')
+        begin = time.monotonic()
+        self.fetch(packages)
+        self.assertLess(time.monotonic() - begin, 5)
+        self.check_closed()
 
     def test_aStalledFileTimesOut(self):
         packages = self.ready('alpha', 'beta')
