@@ -2,6 +2,7 @@
 #include "engine/YumIO.h"
 
 #include "engine/SearchTexts.h"
+#include "engine/Unattended.h"
 #include "engine/YumIOC.h"
 #include "engine/YumIODialogs.h"
 #include "kit/Application.h"
@@ -155,17 +156,35 @@ YumIO::~YumIO()
         PyGILStateWrapper lock(true);
         if (Python::initialized)
             py("import sys\nsys.stdout = sys.__stdout__\nsys.stderr = sys.__stderr__\n");
-        if (yumLocked && yumIO) {
-            pyExceptStart();
-            pyExceptExpect(lockError);
-            const PyRef result = pyMethodCall(yumIO, "unlock", "()");
-            if (pyExceptMatches(result.get(), lockError))
-                pythonException(tr("Unable to release yum lock"));
-            pyExceptClear();
-        }
+        unlockPackages();
     }
     YumIOC::finalize(this);
     delete guiDialogs;
+}
+
+void YumIO::unlockPackages()
+{
+    if (!yumLocked || !yumIO)
+        return;
+    pyExceptStart();
+    pyExceptExpect(lockError);
+    const PyRef result = pyMethodCall(yumIO, "unlock", "()");
+    if (pyExceptMatches(result.get(), lockError))
+        pythonException(tr("Unable to release yum lock"));
+    pyExceptClear();
+}
+
+void YumIO::leaveUnattended()
+{
+    {
+        const PyGILStateWrapper lock(true);
+        unlockPackages();
+    }
+    const QMutexLocker locker(&logEntries.mutex);
+    for (const Log::Entry& entry : qAsConst(logEntries.entries)) {
+        if (entry.kind == Log::Error)
+            Unattended::tell(entry.text.toLocal8Bit().constData());
+    }
 }
 
 void YumIO::setup(QWidget* parent, HProgressBar* total, HProgressBar* item)
@@ -415,6 +434,7 @@ void YumIO::execWorkThread(QEventLoop& loop, QThread& thread)
     if (working)
         return;
     const QScopedValueRollback<bool> workingHere(working, true);
+    const Unattended::Work unattendable([this] { leaveUnattended(); });
     // The work function starts by passing the gate, so that it can't end the loop before the loop
     // runs.
     blocker.prepare();

@@ -315,6 +315,10 @@ protected:
     /// thread isn't started.
     void execWorkThread(QEventLoop& loop, QThread& thread);
     void clearEntriesReal();
+    /// Gives the lock on the packages back, if it was taken. Lock held.
+    void unlockPackages();
+    /// The last thing after a transaction that nobody waits for any more; any thread.
+    void leaveUnattended();
     /// Makes entries of a failed collection ready to be cleared; `clearingEntries` is set.
     void adoptUnpublishedEntries();
     /// Deletes all entries; their objects have been dealt with.

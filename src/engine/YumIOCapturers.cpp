@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIOCapturers.h"
 
+#include "engine/Unattended.h"
 #include "engine/YumIO.h"
 #include "engine/YumIOCapturersMinion.h"
-
-#include <QCoreApplication>
-#include <QThread>
 
 #include <cerrno>
 #include <cstdio>
@@ -63,7 +61,8 @@ YumIOCapturers::YumIOCapturers(YumIO* engine)
 
     minion = new YumIOCapturersMinion(engine, std::exchange(stdoutPipe[0], -1),
                                       std::exchange(stderrPipe[0], -1));
-    minion->moveToThread(QCoreApplication::instance()->thread());
+    Unattended::setStandardError(savedStderr);
+    Unattended::serve(minion);
     minion->activate();
 }
 
@@ -75,6 +74,7 @@ YumIOCapturers::~YumIOCapturers()
         engine->error(tr("Unable to dup2 to restore stderr"));
         return;
     }
+    Unattended::setStandardError(-1);
     closeAll();
     if (!minion)
         return;

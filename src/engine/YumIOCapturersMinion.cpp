@@ -2,6 +2,7 @@
 #include "engine/YumIOCapturersMinion.h"
 
 #include "engine/Python.h"
+#include "engine/Unattended.h"
 #include "engine/YumIO.h"
 
 #include <QSocketNotifier>
@@ -37,6 +38,7 @@ YumIOCapturersMinion::YumIOCapturersMinion(YumIO* engine, int stdoutFd, int stde
 
 YumIOCapturersMinion::~YumIOCapturersMinion()
 {
+    Unattended::forget(this);
     close();
 }
 

@@ -2,16 +2,15 @@
 #include "engine/YumIODialogs.h"
 
 #include "engine/Python.h"
+#include "engine/Unattended.h"
 #include "engine/YumIODialogsMinion.h"
 
-#include <QCoreApplication>
 #include <QThread>
 
 YumIODialogs::YumIODialogs(QWidget* parent)
     : minion(new YumIODialogsMinion(parent))
 {
     setObjectName(QStringLiteral("YumIODialogs"));
-    minion->moveToThread(QCoreApplication::instance()->thread());
 
     // Direct where both live on the GUI thread, so that the dialog runs inside the emit; queued
     // both ways where they don't.
@@ -34,6 +33,8 @@ YumIODialogs::~YumIODialogs()
 int YumIODialogs::confirm(const QString& title, const QString& text, const QString& acceptLabel,
                           const QString& rejectLabel)
 {
+    if (Unattended::active())
+        return 0;
     resultReady = false;
     Q_EMIT confirmSig(title, text, acceptLabel, rejectLabel);
     waitForResult();
@@ -44,6 +45,8 @@ int YumIODialogs::warning(const QString& title, const QString& text, const QStri
                           const QString& button1, const QString& button2, int defaultButton,
                           int escapeButton)
 {
+    if (Unattended::active())
+        return YumIODialogsMinion::closedResult({button0, button1, button2}, escapeButton);
     resultReady = false;
     Q_EMIT warningSig(title, text, button0, button1, button2, defaultButton, escapeButton);
     waitForResult();
@@ -54,6 +57,8 @@ int YumIODialogs::critical(const QString& title, const QString& text, const QStr
                            const QString& button1, const QString& button2, int defaultButton,
                            int escapeButton)
 {
+    if (Unattended::active())
+        return YumIODialogsMinion::closedResult({button0, button1, button2}, escapeButton);
     resultReady = false;
     Q_EMIT criticalSig(title, text, button0, button1, button2, defaultButton, escapeButton);
     waitForResult();
@@ -62,6 +67,8 @@ int YumIODialogs::critical(const QString& title, const QString& text, const QStr
 
 void YumIODialogs::scrollable(const QString& title, const QString& text)
 {
+    if (Unattended::active())
+        return;
     resultReady = false;
     Q_EMIT scrollableSig(title, text);
     waitForResult();

@@ -9,7 +9,8 @@ class QWidget;
 class YumIODialogsMinion;
 
 /// Dialogs that any thread may open and that block it until the user has answered. One call at a
-/// time. The object belongs to the thread that made it; the dialogs appear on the GUI thread.
+/// time. The object belongs to the thread that made it; the dialogs appear on the GUI thread. Where
+/// nobody can be asked any more (see Unattended) each is answered at once as if closed.
 class YumIODialogs : public QObject
 {
     Q_OBJECT

@@ -3,6 +3,7 @@
 
 #include "engine/ScrollableConfirmDialog.h"
 #include "engine/ScrollableErrorDialog.h"
+#include "engine/Unattended.h"
 
 #include <QPushButton>
 
@@ -10,43 +11,85 @@ YumIODialogsMinion::YumIODialogsMinion(QWidget* parent)
     : parent(parent)
 {
     setObjectName(QStringLiteral("YumIODialogsMinion"));
+    Unattended::serve(this, [this] { answerForOpenDialog(); });
+}
+
+YumIODialogsMinion::~YumIODialogsMinion()
+{
+    Unattended::forget(this);
+}
+
+int YumIODialogsMinion::closedResult(const QStringList& labels, int escapeButton)
+{
+    const bool there =
+        escapeButton > 0 && escapeButton < labels.size() && !labels.at(escapeButton).isEmpty();
+    // A box with a single button counts as that one pressed.
+    return there ? escapeButton : 0;
+}
+
+bool YumIODialogsMinion::answerUnattended(int result)
+{
+    closed = result;
+    if (!Unattended::active()) {
+        open = true;
+        return false;
+    }
+    Q_EMIT setResult(closed);
+    return true;
+}
+
+void YumIODialogsMinion::answerForOpenDialog()
+{
+    if (!open)
+        return;
+    open = false;
+    Q_EMIT setResult(closed);
 }
 
 void YumIODialogsMinion::confirm(const QString& title, const QString& text,
                                  const QString& acceptLabel, const QString& rejectLabel)
 {
+    if (answerUnattended(0))
+        return;
     ScrollableConfirmDialog dialog(text, acceptLabel, rejectLabel, parent);
     dialog.setWindowTitle(title);
-    Q_EMIT setResult(dialog.exec());
+    const int result = dialog.exec();
+    open = false;
+    Q_EMIT setResult(result);
 }
 
 void YumIODialogsMinion::warning(const QString& title, const QString& text, const QString& button0,
                                  const QString& button1, const QString& button2, int defaultButton,
                                  int escapeButton)
 {
-    Q_EMIT setResult(message(QMessageBox::Warning, title, text, {button0, button1, button2},
-                             defaultButton, escapeButton));
+    message(QMessageBox::Warning, title, text, {button0, button1, button2}, defaultButton,
+            escapeButton);
 }
 
 void YumIODialogsMinion::critical(const QString& title, const QString& text, const QString& button0,
                                   const QString& button1, const QString& button2, int defaultButton,
                                   int escapeButton)
 {
-    Q_EMIT setResult(message(QMessageBox::Critical, title, text, {button0, button1, button2},
-                             defaultButton, escapeButton));
+    message(QMessageBox::Critical, title, text, {button0, button1, button2}, defaultButton,
+            escapeButton);
 }
 
 void YumIODialogsMinion::scrollable(const QString& title, const QString& text)
 {
+    if (answerUnattended(0))
+        return;
     ScrollableErrorDialog dialog(text, parent);
     dialog.setWindowTitle(title);
     dialog.exec();
+    open = false;
     Q_EMIT setResult(0);
 }
 
-int YumIODialogsMinion::message(QMessageBox::Icon icon, const QString& title, const QString& text,
-                                const QStringList& labels, int defaultButton, int escapeButton)
+void YumIODialogsMinion::message(QMessageBox::Icon icon, const QString& title, const QString& text,
+                                 const QStringList& labels, int defaultButton, int escapeButton)
 {
+    if (answerUnattended(closedResult(labels, escapeButton)))
+        return;
     QMessageBox box(icon, title, text, QMessageBox::NoButton, parent);
     // The text is the script's or the system's, and an angle bracket in it is no markup.
     box.setTextFormat(Qt::PlainText);
@@ -66,8 +109,8 @@ int YumIODialogsMinion::message(QMessageBox::Icon icon, const QString& title, co
             box.setEscapeButton(button);
     }
     box.exec();
-    // Closed without a button, a box with a single one counts as that one pressed.
+    open = false;
     // One that went without a button, as when the program ends, was escaped from.
     const int pressed = buttons.indexOf(box.clickedButton());
-    return pressed >= 0 ? pressed : qMax(0, escapeButton);
+    Q_EMIT setResult(pressed >= 0 ? pressed : closed);
 }

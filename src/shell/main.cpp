@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "engine/TransactionGuard.h"
 #include "kit/Application.h"
 #include "kit/Share.h"
 #include "shell/CommandLine.h"
@@ -11,7 +12,10 @@
 
 #include <libgen.h>
 
-int main(int argc, char** argv)
+namespace
+{
+
+int run(int& argc, char** argv)
 {
     QtMessages::filter(basename(argv[0]));
     const DefaultStyle defaultStyle(argc, argv);
@@ -33,4 +37,13 @@ int main(int argc, char** argv)
     CommandLine::apply(*window, argc, argv);
     window->show();
     return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const int status = run(argc, argv);
+    TransactionGuard::obeyPendingSignal();
+    return status;
 }

@@ -142,7 +142,7 @@ private Q_SLOTS:
         life.calls();
         const QSignalSpy resets(life.model(), &QAbstractItemModel::modelReset);
         const Package::Entry* before = life.entry("alpha");
-        life.dialogs.expect("VOK Yum Error").textContains("no room").press("OK");
+        life.dialogs.expect("VOK Yum Error").textContains("no room").press("Close");
         life.click("apply");
         const QStringList calls = life.calls();
         QCOMPARE(calls.count("apply"), 1);
