@@ -325,14 +325,13 @@ PyObject* YumIO::userconfirm(PyObject*, PyObject*)
     applyState.progressAct = 0;
 
     const bool review = applyState.transactionListed;
+    // Fixed, whatever language the titles are in.
+    const QString accept = review ? QStringLiteral("OK") : QStringLiteral("Yes");
+    const QString reject = review ? QStringLiteral("Cancel") : QStringLiteral("No");
     bool agreed = false;
     withDialogs([&](YumIODialogs& shown) {
-        const QString& text = applyState.transactionText;
-        agreed =
-            (review
-                 ? shown.confirm(tr("Apply"), text, QStringLiteral("OK"), QStringLiteral("Cancel"))
-                 : shown.confirm(tr("Query"), text, QStringLiteral("Yes"), QStringLiteral("No"))) ==
-            1;
+        agreed = shown.confirm(review ? tr("Apply") : tr("Query"), applyState.transactionText,
+                               accept, reject) == 1;
     });
 
     if (review) {
