@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
-#include "contract/ApplyStage.h"
+#include "contract/MeterStage.h"
 
 /// An Apply whose transaction is about to run, over these rows:
 ///   fresh   can be installed, 100,000 bytes
@@ -11,7 +11,7 @@
 ///   gone    installed, 30,000 bytes
 ///   twice   two installed versions, of 30,000 and 7 bytes
 /// None is marked. A twentieth of the acts of the transaction is 1000.
-class TransactionStage : public ApplyStage
+class TransactionStage : public MeterStage
 {
 protected:
     static QJsonObject sized(QJsonObject package, int size, const QString& version = "1-1")

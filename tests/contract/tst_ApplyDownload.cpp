@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/ApplyStage.h"
+#include "contract/MeterStage.h"
 
 #include <QtTest>
 
@@ -12,7 +12,7 @@ const QString yumWarning = QStringLiteral("VOK Yum Warning");
 } // namespace
 
 /// Files that come one after another, and what is common to all downloads.
-class TestApplyDownload : public ApplyStage
+class TestApplyDownload : public MeterStage
 {
     Q_OBJECT
 
@@ -62,6 +62,7 @@ private Q_SLOTS:
         row("http://host/vantry?user=a&pass=b&path=/x/foo.rpm", "foo");
         row("http://host/vantry?user=&pass=&path=foo.hdr", "foo");
         row("http://host/Vantry?user=a&pass=b&path=foo.rpm", "Vantry?user=a&pass=b&path=foo");
+        row("vantr=a&pass=b&path=foo.rpm", "foo");
         row("vantry?user=a&path=foo.rpm", "vantry?user=a&path=foo");
         row("vantry?user=a\n&pass=b&path=foo.rpm", "foo");
     }

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "contract/ApplyStage.h"
+#include "contract/MeterStage.h"
 
 #include <QtTest>
 
 using Progress::ThreadState;
 
 /// Parallel downloads of an Apply.
-class TestApplyDownloadBatches : public ApplyStage
+class TestApplyDownloadBatches : public MeterStage
 {
     Q_OBJECT
 
