@@ -27,6 +27,7 @@ from yum.Errors import YumBaseError
 _PHASES = 100
 _NOT_RUN = 'Could not run transaction.'
 _SCRIPTLET = re.compile(r'Error in (\S+) scriptlet in rpm package (\S+)\Z')
+_COMPLAINT = re.compile(r'error: |warning: .* scriptlet failed')
 _PARTS = {
     'PREIN': 'the script that runs before its installation',
     'POSTIN': 'the script that runs after its installation',
@@ -80,9 +81,14 @@ class _Display(dnf.yum.rpmtrans.TransactionDisplay):
         for line in text.replace('\0', ' ').splitlines():
             if line.strip():
                 yumIOC.stdoutWrite(masked(line) + '\n')
+                # rpm writes its own complaints among the scripts' output.
+                if _COMPLAINT.match(line):
+                    self._failed(line.partition(': ')[2])
 
     def error(self, message):
-        message = _plain(str(message))
+        self._failed(_plain(str(message)))
+
+    def _failed(self, message):
         if message not in self.failures:
             self.failures.append(message)
 

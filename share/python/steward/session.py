@@ -206,8 +206,8 @@ class Session:
             packagefiles.fetch(plan.system, new)
             yumIOC.gpgsigcheck()
             signatures.check(plan.system, new)
-            self.system.close_database()
-            execution.Run(plan).run()
+            with self.system.without_database():
+                execution.Run(plan).run()
             self._applied = True
             yumIOC.postTransactionOutput(plan)
         finally:

@@ -5,6 +5,7 @@ The root is the environment's VOKROOT, else the running system. One `System` ser
 the next collection makes a new one, after `end` has closed the last.
 """
 
+import contextlib
 import functools
 import logging
 import os
@@ -123,6 +124,7 @@ class System:
             self._use_repositories_of(beside)
         self.repos = Repositories(self.base)
         self._headers = None
+        self._database_is_away = False
         self.extra = None
         self.installed, self.available = packages.classes(self)
         # Best first; filled by `load`.
@@ -295,7 +297,17 @@ class System:
                     except (OSError, RepoError) as exc:
                         # The server may have newer metadata by now, which is then fetched whole.
                         LOGGER.warning('%s', text_of(exc))
+                    self._forget_digest(repo)
         self._update(None)
+
+    def _forget_digest(self, repo):
+        """Has the library read the repository's metadata anew, not its own digest of it: there it
+        notes which files it has looked up, and one made without file lists says they don't exist.
+        """
+        try:
+            os.unlink(os.path.join(self.conf.cachedir, repo.id + '.solv'))
+        except OSError:
+            pass
 
     def _update(self, ask):
         """First asks all servers, then downloads from all, as the program's progress expects."""
@@ -330,7 +342,10 @@ class System:
         return False
 
     def header(self, rpmdbid):
-        """The header of an installed package, or None when it is gone from the database."""
+        """The header of an installed package, or None when it is gone from the database, or when
+        that can't be opened now."""
+        if self._database_is_away:
+            return None
         if self._headers is None:
             self._headers = rpm.TransactionSet(self.conf.installroot,
                                                rpm._RPMVSF_NOSIGNATURES | rpm._RPMVSF_NODIGESTS)
@@ -347,6 +362,17 @@ class System:
         if self._plugins_loaded:
             self._plugins_loaded = False
             self.base.unload_plugins()
+
+    @contextlib.contextmanager
+    def without_database(self):
+        """For a transaction: under another root the database has no path while rpm runs, and the
+        program may look at packages at any time."""
+        self.close_database()
+        self._database_is_away = True
+        try:
+            yield
+        finally:
+            self._database_is_away = False
 
     def close_database(self):
         """Lets the package database go. It is opened again when needed."""

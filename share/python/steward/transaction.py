@@ -6,6 +6,7 @@ changed, the library takes one transaction a base object, and the collection's p
 usable whatever comes of it.
 """
 
+import gc
 import logging
 import os
 import re
@@ -137,13 +138,20 @@ class Plan:
         # (item of the library's transaction, its package) of all that rpm is to do.
         self.items = []
         self._replacers = {}
+        # Rows of the table that are updated, and that get a package beside what is there.
+        self._update_rows = set()
+        self._install_rows = set()
 
     def end(self):
         self.items = []
         self._replacers = {}
+        self.tsInfo = Lists()
         if self.system is not None:
             ended, self.system = self.system, None
             ended.end()
+            # The packages hold files of the cache open until they are gone.
+            del ended
+            gc.collect()
 
     # Solving
 
@@ -299,6 +307,8 @@ class Plan:
             elif package.name != new.name:
                 member = self.tsInfo.add('obsoleted', self._made(package))
                 member.relatedto.append((members[new], 'obsoletedby'))
+        self._update_rows = marks.update_rows | self.tsInfo.rows('updated', 'depupdated')
+        self._install_rows = self.tsInfo.rows('installed', 'depinstalled')
 
     def news(self):
         """The packages that are installed, as the program reads them."""
@@ -321,10 +331,9 @@ class Plan:
         if action in (DOWNGRADED, REINSTALLED) and new is not None and row(new) == place:
             return None
         if action == REMOVE:
-            if place in self._marks.update_rows \
-                    or place in self.tsInfo.rows('updated', 'depupdated'):
+            if place in self._update_rows:
                 return _BACKWARD_EVENTS[UPGRADED]
-            if place in self.tsInfo.rows('installed', 'depinstalled'):
+            if place in self._install_rows:
                 return None
         return _BACKWARD_EVENTS[action]
 
@@ -356,9 +365,12 @@ class Plan:
         others = [other for other in among if nevra(other) != nevra(package)]
         if not others:
             return None
-        query = self.system.base.sack.query().filterm(pkg=others) \
-            .filterm(requires=package.provides)
-        return next(iter(query), None)
+        query = self.system.base.sack.query().filterm(pkg=others)
+        for kind in ('requires', 'recommends'):
+            found = next(iter(query.filter(**{kind: package.provides})), None)
+            if found is not None:
+                return found
+        return None
 
 
 # The library's actions and the program's events for them.

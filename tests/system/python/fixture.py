@@ -36,7 +36,7 @@ Packager: Example Packager
 %install
 {install}
 %files
-{files}
+{files}{scripts}
 %changelog
 {changelog}
 '''
@@ -46,7 +46,8 @@ class Rpm:
     """The recipe of one package."""
 
     def __init__(self, name, version='1.0', release='1', arch='noarch', epoch=None, files=None,
-                 tags=(), group='Applications', summary=None, description=None, changelog=None):
+                 tags=(), group='Applications', summary=None, description=None, changelog=None,
+                 scripts=()):
         self.name = name
         self.version = version
         self.release = release
@@ -58,6 +59,8 @@ class Rpm:
         self.summary = summary or 'The package %s' % name
         self.description = description or 'What %s is for.' % name
         self.changelog = changelog or ''
+        # (section such as '%post', its text) each.
+        self.scripts = tuple(scripts)
 
     @property
     def filename(self):
@@ -72,7 +75,8 @@ class Rpm:
             epoch='Epoch: %s' % self.epoch if self.epoch is not None else '',
             arch='BuildArch: noarch' if self.arch == 'noarch' else '',
             tags='\n'.join(self.tags), install=install or 'mkdir -p %{buildroot}',
-            files='\n'.join('"%s"' % path for path in self.files), changelog=self.changelog)
+            files='\n'.join('"%s"' % path for path in self.files), changelog=self.changelog,
+            scripts=''.join('\n%s\n%s' % script for script in self.scripts))
 
 
 @functools.lru_cache(None)
@@ -156,6 +160,8 @@ class Recorder(types.ModuleType):
         super().__init__('yumIOC')
         self.calls = []
         self.answer = 1
+        # Function name -> what is called with the arguments; its result is the function's.
+        self.hooks = {}
         for name, form in _FORMS.items():
             setattr(self, name, functools.partial(self._call, name, form))
 
@@ -170,6 +176,8 @@ class Recorder(types.ModuleType):
                     raise TypeError('%s: %r is no text' % (name, value))
                 value.encode('utf-8')
         self.calls.append((name,) + args)
+        if name in self.hooks:
+            return self.hooks[name](*args)
         return self.answer if name == 'userconfirm' else None
 
     def clear(self):
@@ -225,7 +233,7 @@ class SystemTest(unittest.TestCase):
         self.root = os.path.join(self.top, 'root')
         self.served = os.path.join(self.top, 'served')
         os.makedirs(self.served)
-        for name in ('etc/yum.repos.d', 'var/lib/rpm', 'var/cache', 'var/log', 'tmp'):
+        for name in ('etc/yum.repos.d', 'var/lib/rpm', 'var/cache', 'var/log', 'var/tmp', 'tmp'):
             os.makedirs(os.path.join(self.root, name))
         self.config('[main]\n')
         self.rpm_command('--initdb')
@@ -236,6 +244,7 @@ class SystemTest(unittest.TestCase):
         self.addCleanup(self.server.close)
         yumIOC.clear()
         yumIOC.answer = 1
+        yumIOC.hooks = {}
         self.names = script()
         from steward import lock, session, system
         self.addCleanup(lock.drop)
