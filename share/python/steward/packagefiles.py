@@ -114,7 +114,7 @@ def _missing(system, packages):
                              % (os.path.basename(path), repo.id, path, _disagreement(path)))
         else:
             paths.append(path)
-            if path not in jobs and not is_right(package, path):
+            if not is_right(package, path):
                 jobs[path] = _Job(package, repo, path)
     if wrong:
         raise _problem('Some packages of local repositories cannot be used', wrong)

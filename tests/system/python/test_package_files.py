@@ -548,6 +548,23 @@ class Mirrors(Fetching):
             self.good(package)
         self.check_closed()
 
+    def test_notAllMirrorsOfALongListAreWaitedFor(self):
+        names = ['p%02d' % number for number in range(16)]
+        mirrors = ['mirror%d' % number for number in range(6)]
+        self.repository('many', [Rpm(name) for name in names], baseurl=False,
+                        text='timeout=1\nmax_parallel_downloads=2\nbaseurl=%s\n'
+                        % ' '.join('%s/%s' % (self.server.url, mirror) for mirror in mirrors))
+        for mirror in mirrors:
+            os.symlink('many', os.path.join(self.served, mirror))
+        packages = self.ready(*names)
+        for mirror in mirrors:
+            self.server.behave(self.rpm_url(mirror, 'p00'), 'hang')
+            # Meanwhile other files come, so that no server is taken for a silent one.
+            for name in names[1:]:
+                self.server.behave(self.rpm_url(mirror, name), ['slow', 0.7])
+        self.assertRegex(self.refused(packages), '1 of 16(?s:.*)p00-(?s:.*)did not answer in time')
+        self.assertEqual(4, self.server.names().count(Rpm('p00').filename))
+
     def test_silentMirrorsAreGivenUp(self):
         self.several(self.server.url + '/first', self.server.url + '/second')
         packages = self.ready('alpha', 'beta', 'gamma')
@@ -608,6 +625,25 @@ class Interrupted(Fetching):
         self.fetch([package])
         self.assertTrue(seen)
         self.assertNotIn(True, seen)
+
+
+class Metadata(Fetching):
+    """The meters of metadata that an Apply has to load."""
+
+    def test_theyAreThoseOfTheApplyAndReadingIsSilent(self):
+        from steward import meters, system
+        self.repository('first', PACKAGES)
+        self.ready('alpha')
+        apply = meters.Apply()
+        made = system.System(apply)
+        made.load(True)
+        apply.read(1, 2, 'first')
+        self.assertEqual([], [call for call in yumIOC.calls if call[0].startswith('collect')])
+        self.assertEqual(['/first/first repomd.xml'],
+                         [call[2] for call in yumIOC.named('applyGrabMeterStart')])
+        self.assertEqual([call[1] for call in yumIOC.named('applyGrabMeterStart')],
+                         [call[1] for call in yumIOC.named('applyGrabMeterEnd')])
+        self.assertEqual([], yumIOC.named('applyGrabMultiMeterStart'))
 
 
 class Full(Fetching):
