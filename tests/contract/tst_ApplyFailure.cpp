@@ -176,6 +176,18 @@ private Q_SLOTS:
         QVERIFY2(contract->collect(), "nothing is left pending");
     }
 
+    void aFlushThatFailsIsToldAndKeepsTheResult()
+    {
+        // Nothing that the Apply expects is expected any more.
+        contract->play({{"raise", QJsonObject{{"flush", QJsonObject{{"type", "YumBaseError"}}}}}});
+        QVERIFY(contract->collect());
+        contract->forgetCalls();
+        confirm();
+        driver->expect(yumError).text(walkback).press("OK");
+        QVERIFY(contract->apply());
+        QCOMPARE(road(), QStringList({"apply", "flush"}));
+    }
+
     void aHeaderThatCannotBeAskedForCountsAsAbsent()
     {
         contract->play({{"available", QJsonArray{Contract::package("new")}},

@@ -416,12 +416,18 @@ private Q_SLOTS:
         OpenEngine::PyGILStateWrapper lock(true);
         const PyRef field = PyRef::adopt(
             PyObject_GetAttrString(contract->row("g")->pyObject, "mandatory_packages"));
+        PyObject* name = nullptr;
+        Py_ssize_t position = 0;
+        QVERIFY(PyDict_Next(field.get(), &position, &name, nullptr));
         const Py_ssize_t before = Py_REFCNT(field.get());
+        // Each list of names holds it.
+        const Py_ssize_t namesBefore = Py_REFCNT(name);
         for (Package::Entry* entry : contract->engine().entries)
             entry->applyAction = entry->action;
         for (int i = 0; i < 1000; ++i)
             QVERIFY(contract->engine().applyGroups());
         QCOMPARE(Py_REFCNT(field.get()), before);
+        QCOMPARE(Py_REFCNT(name), namesBefore);
     }
 };
 
