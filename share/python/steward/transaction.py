@@ -6,12 +6,12 @@ changed, the library takes one transaction a base object, and the collection's p
 usable whatever comes of it.
 """
 
-import gc
 import logging
 import os
 import re
 
 import dnf.exceptions
+import dnf.selector
 import hawkey
 import yumIOC
 from libdnf.transaction import (
@@ -149,9 +149,6 @@ class Plan:
         if self.system is not None:
             ended, self.system = self.system, None
             ended.end()
-            # The packages hold files of the cache open until they are gone.
-            del ended
-            gc.collect()
 
     # Solving
 
@@ -161,20 +158,16 @@ class Plan:
             raise YumBaseError('No package is marked, so there is nothing to apply.')
         problem = None
         try:
-            again = not self._pass(False) or self._erases_for_lack_of_files()
+            self._pass(False)
+            again = self._erases_for_lack_of_files()
         except dnf.exceptions.DepsolveError as exc:
             problem = _unsolvable(exc)
-            again = False
-        if problem is not None:
             again = _needs_file_lists(problem.value)
-            if not again:
-                raise problem
-        if again and self._files_are_missing():
+        if again:
             self._solve_with_file_lists()
+        elif problem is not None:
+            raise problem
         self._read()
-
-    def _files_are_missing(self):
-        return not self.system.base.file_lists
 
     def _solve_with_file_lists(self):
         """Most dependencies on files need no file lists, which are large; this is for the rest."""
@@ -193,7 +186,7 @@ class Plan:
         self.system.load_cached()
         self._mark(file_lists)
         yumIOC.dsTsCheck()
-        return self.system.base.resolve(allow_erasing=bool(self._marks.removes))
+        self.system.base.resolve(allow_erasing=bool(self._marks.removes))
 
     def _erases_for_lack_of_files(self):
         """True if packages were to go only because the solver knows too few file names."""
@@ -225,7 +218,7 @@ class Plan:
         found = self._available(wanted)
         for key, package in wanted.items():
             if key in found:
-                base.package_install(found[key])
+                self._install(found[key])
             else:
                 missing.append('  %s (repository %s)' % (package, package.reponame))
         if missing:
@@ -242,6 +235,12 @@ class Plan:
         if not wanted and gone == len(marks.removes):
             raise YumBaseError('There is nothing to do: the system is already as marked.\n'
                                'Refresh the list of packages to see its present state.')
+
+    def _install(self, package):
+        """As the library's `package_install`, whose look-ups take a millisecond a package."""
+        selector = dnf.selector.Selector(self.system.base.sack)
+        selector.set(pkg=[package])
+        self.system.base.goal.install(select=selector, optional=False)
 
     def _installed(self, names):
         query = self.system.base.sack.query(flags=hawkey.IGNORE_EXCLUDES).installed()

@@ -165,6 +165,17 @@ class Changes(ApplyTest):
         self.check(program, ['installed alpha-1.0-1.x86_64 [base]', 'removed alpha-2.0-1.noarch'],
                    ['alpha-1.0-1.x86_64'])
 
+    def test_aDowngradeForADependencyTellsBothHalves(self):
+        need = Rpm('beta', tags=['Requires: alpha = 1.0'])
+        program = self.begin([Rpm('alpha', '2.0')], [Rpm('alpha'), need])
+        program.apply('install beta')
+        self.check(program, ['installed beta-1.0-1.noarch [base]',
+                             'depinstalled alpha-1.0-1.noarch [base]',
+                             'depremoved alpha-2.0-1.noarch'],
+                   ['alpha-1.0-1.noarch', 'beta-1.0-1.noarch'])
+        # Its row is up to date, so the program wants to hear of no addition there.
+        self.assertEqual(program.solve, ['alpha-2.0-1.noarch marked as erase'])
+
     def test_duplicatesOfOnePackageAreAllUpdated(self):
         self.rpm_command('-i', '--justdb', build(Rpm('alpha')))
         self.rpm_command('-i', '--justdb', '--force', build(Rpm('alpha', '1.5')))
@@ -296,6 +307,16 @@ class InstallOnly(ApplyTest):
                                           'depremoved kernel-1-1.noarch',
                                           'installed driver-1.0-1.noarch [base]'])
         self.assertEqual(self.database(), ['driver-1.0-1.noarch', 'kernel-2-1.noarch',
+                                           'kernel-3-1.noarch'])
+        self.assertEqual(program.reports, [])
+
+    def test_anOlderVersionForADependencyIsInstalledBeside(self):
+        program = self.begin([self.kernel('3')],
+                             [self.kernel('1'), Rpm('driver', tags=['Requires: kernel = 1'])])
+        program.apply('install driver')
+        self.assertEqual(program.review, ['depinstalled kernel-1-1.noarch [base]',
+                                          'installed driver-1.0-1.noarch [base]'])
+        self.assertEqual(self.database(), ['driver-1.0-1.noarch', 'kernel-1-1.noarch',
                                            'kernel-3-1.noarch'])
         self.assertEqual(program.reports, [])
 
