@@ -4,6 +4,7 @@
 #include "engine/YumIO.h"
 #include "kit/Execute.h"
 #include "kit/Share.h"
+#include "shell/WarmUp.h"
 
 #include <QFile>
 #include <QMessageBox>
@@ -22,6 +23,8 @@ QString document(const QString& path)
 
 void MainWindow::apply()
 {
+    // While the pointer is still the usual one.
+    WarmUp::once(this);
     setReady(false);
     const bool applied = engine->apply();
     // Whatever came of it: who sent that waits for the program to end.
