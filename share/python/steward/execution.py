@@ -15,17 +15,22 @@ import dnf.exceptions
 import dnf.yum.rpmtrans
 import rpm
 import yumIOC
+from dnf.i18n import _
 from libdnf.transaction import TransactionItemState_DONE as DONE
 
 from steward import lock
 from steward.errors import LIBRARY, text_of
 from steward.system import below_root
 from steward.texts import masked
+from steward.transaction import BACKWARD
 from yum.Errors import YumBaseError
 
 # From this action on the library tells of its own phases, not of packages.
 _PHASES = 100
-_NOT_RUN = 'Could not run transaction.'
+# The program's events in which a package goes by its name.
+_REMOVALS = (40, 50, 90)
+# The library's own word, in its own translation, for a run that rpm refused to begin.
+_NOT_RUN = _('Could not run transaction.')
 _SCRIPTLET = re.compile(r'Error in (\S+) scriptlet in rpm package (\S+)\Z')
 _COMPLAINT = re.compile(r'error: |warning: .* scriptlet failed')
 _PARTS = {
@@ -70,7 +75,7 @@ class _Display(dnf.yum.rpmtrans.TransactionDisplay):
             return
         event = self._plan.event(package, action)
         if event is not None:
-            subject = package if event < 40 else package.name
+            subject = package.name if event in _REMOVALS else package
             yumIOC.tsEvent(subject, event, int(ti_done), int(ti_total), int(ts_done),
                            int(ts_total))
 
@@ -110,6 +115,7 @@ class Run:
         self._base = plan.system.base
         self._display = _Display(plan)
         self._log = _Failures()
+        self._began = False
         self._raised = None
 
     def run(self):
@@ -124,7 +130,9 @@ class Run:
         try:
             self._base.do_transaction(display=self._display)
         except LIBRARY as exc:
-            problem = YumBaseError(self._not_run(text_of(exc)))
+            text = text_of(exc).strip()
+            problem = YumBaseError(self._ended_badly(text) if self._began and text != _NOT_RUN
+                                   else self._not_run(text))
         finally:
             del self._base._run_transaction
             library.removeHandler(self._log)
@@ -138,6 +146,7 @@ class Run:
     def _announced(self, cb):
         """The library's step between the test and the end of the run."""
         yumIOC.tsInitCallback(1)
+        self._began = True
         callback = cb.callback
 
         def guarded(*args):
@@ -168,31 +177,41 @@ class Run:
 
     def _not_run(self, text):
         lines = self._log.lines
-        if text != _NOT_RUN and lines and isinstance(text, str) and text == lines[-1]:
-            # The check tells its last line only.
-            text = '\n'.join(lines)
-        elif text == _NOT_RUN and lines:
-            text = '\n'.join(lines)
-        text = text.strip()
+        # The check raises its last line only, and the run what it could not do.
+        if lines and (text == _NOT_RUN or text == lines[-1]):
+            text = '\n'.join(lines).strip()
         if 'transaction lock' in text:
             return _in_use(None)
         return masked('The transaction was not run, and nothing has changed:\n%s' % text)
 
+    def _ended_badly(self, text):
+        parts = ['The transaction was run, but something failed after it:\n%s' % text]
+        return self._told(parts + self._failed())
+
     def _check(self):
-        undone = [str(package) for item, package in self._plan.items if item.state != DONE]
-        failures = self._display.failures
-        if not undone and not failures:
-            return
-        # What was downloaded is kept for another try.
-        self._base._trans_success = False
-        parts = ['The transaction was run, but not all of it succeeded.']
+        failed = self._failed()
+        if failed:
+            # What was downloaded is kept for another try.
+            self._base._trans_success = False
+            raise YumBaseError(self._told(
+                ['The transaction was run, but not all of it succeeded.'] + failed))
+
+    def _failed(self):
+        """What was not done and why, as paragraphs."""
+        parts = []
+        undone = ['%s of %s' % ('removal' if item.action in BACKWARD else 'installation', package)
+                  for item, package in self._plan.items if item.state != DONE]
         if undone:
             parts.append('Not done:\n  ' + '\n  '.join(undone))
-        if failures:
-            parts.append('Failures:\n  ' + '\n  '.join(failures))
-        parts.append('The log has the output of the scripts. What was done stays done. Refresh the '
-                     'list of packages to see the present state.')
-        raise YumBaseError(masked('\n\n'.join(parts)))
+        if self._display.failures:
+            parts.append('Failures:\n  ' + '\n  '.join(self._display.failures))
+        return parts
+
+    @staticmethod
+    def _told(parts):
+        return masked('\n\n'.join(parts + [
+            'The log has the output of the scripts. What was done stays done. Refresh the list of '
+            'packages to see the present state.']))
 
 
 def _in_use(pid):

@@ -31,7 +31,8 @@ LOGGER = logging.getLogger('dnf')
 _SOLVE_LEVEL = 2
 _REFRESH = 'Refresh the list of packages and apply again.'
 _PATH = re.compile(r'(?:^|[\s(])(/[^\s,)]+)')
-_BACKWARD = (DOWNGRADED, OBSOLETED, REINSTALLED, REMOVE, UPGRADED)
+# The actions that take a package away.
+BACKWARD = (DOWNGRADED, OBSOLETED, REINSTALLED, REMOVE, UPGRADED)
 
 
 def nevra(package):
@@ -276,7 +277,7 @@ class Plan:
     def _find_replacers(self):
         goal = self.system.base.goal
         for item, new in self.items:
-            if item.action in _BACKWARD:
+            if item.action in BACKWARD:
                 continue
             for old in goal.obsoleted_by_package(new):
                 known = self._replacers.get(old)
@@ -288,13 +289,13 @@ class Plan:
         updated = {row(old) for old, new in self._replacers.items() if row(old) == row(new)}
         members = {}
         for item, package in self.items:
-            if item.action not in _BACKWARD:
+            if item.action not in BACKWARD:
                 name = 'updated' if item.action == UPGRADE and row(package) in updated \
                     else 'installed'
                 members[package] = self.tsInfo.add(name, self._made(package),
                                                    nevra(package) in marks.wanted)
         for item, package in self.items:
-            if item.action not in _BACKWARD or item.action == REINSTALLED:
+            if item.action not in BACKWARD or item.action == REINSTALLED:
                 continue
             new = self._replacers.get(package)
             if item.action == REMOVE or new is None:
@@ -312,35 +313,36 @@ class Plan:
     def news(self):
         """The packages that are installed, as the program reads them."""
         return [self._made(package) for item, package in self.items
-                if item.action not in _BACKWARD]
+                if item.action not in BACKWARD]
 
     def event(self, package, action):
         """The action by which the program finds the row that this is about; None for none.
 
         It finds the row of a removal by the package's name and by what is to happen to the row.
         """
-        if action in _FORWARD_EVENTS:
-            return _FORWARD_EVENTS[action]
-        if action not in _BACKWARD_EVENTS:
-            return None
+        if action in _INSTALL_EVENTS:
+            return _INSTALL_EVENTS[action]
+        if action not in _REMOVAL_EVENTS:
+            # The program reports what it doesn't understand.
+            return action
         place = row(package)
         if place in self._marks.remove_rows:
-            return _BACKWARD_EVENTS[action]
+            return _REMOVAL_EVENTS[action]
         new = self._replacers.get(package)
         if action in (DOWNGRADED, REINSTALLED) and new is not None and row(new) == place:
             return None
         if action == REMOVE:
             if place in self._update_rows:
-                return _BACKWARD_EVENTS[UPGRADED]
+                return _REMOVAL_EVENTS[UPGRADED]
             if place in self._install_rows:
                 return None
-        return _BACKWARD_EVENTS[action]
+        return _REMOVAL_EVENTS[action]
 
     # The lines about what the solver added
 
     def _tell_additions(self, table):
         lists = self.tsInfo
-        forward = [package for item, package in self.items if item.action not in _BACKWARD]
+        forward = [package for item, package in self.items if item.action not in BACKWARD]
         for name, word in (('depinstalled', 'install'), ('depupdated', 'update')):
             for member in getattr(lists, name):
                 if table.up_to_date(member.po):
@@ -373,8 +375,8 @@ class Plan:
 
 
 # The library's actions and the program's events for them.
-_FORWARD_EVENTS = {1: 20, 2: 10, 6: 10, 9: 20}
-_BACKWARD_EVENTS = {REMOVE: 40, DOWNGRADED: 90, UPGRADED: 90, REINSTALLED: 90, OBSOLETED: 50}
+_INSTALL_EVENTS = {1: 20, 2: 10, 4: 60, 6: 10, 9: 20}
+_REMOVAL_EVENTS = {REMOVE: 40, DOWNGRADED: 90, UPGRADED: 90, REINSTALLED: 90, OBSOLETED: 50}
 
 
 def not_yet_here(news):

@@ -199,6 +199,19 @@ class ApplyTest(SystemTest):
         self.repository('base', available, text=text)
         return self.open()
 
+    def plugin(self, name, statement):
+        """Makes a plugin of the library that runs `statement` after each transaction of this test.
+
+        A plugin once imported stays in the process.
+        """
+        os.makedirs(self.path('plugins'))
+        with open(self.path('plugins', name + '.py'), 'w') as stream:
+            stream.write('import os\nimport dnf\n\n\nclass Plugin(dnf.Plugin):\n'
+                         '    name = %r\n\n    def transaction(self):\n'
+                         '        if os.path.exists(%r):\n            %s\n'
+                         % (name, self.path('plugins'), statement))
+        self.config('[main]\npluginpath=%s\n' % self.path('plugins'))
+
     def open(self, made=None):
         self.made = self.collect(made)
         yumIOC.clear()

@@ -453,6 +453,11 @@ class Around(ApplyTest):
             self.assertEqual(sorted(str(item) for item in last.packages()),
                              ['alpha-1.0-1.noarch', 'beta-1.0-1.noarch'])
             self.assertEqual(last.return_code, 0)
+            reasons = {str(item): item.reason for item in last.packages()}
+            from libdnf import transaction
+            self.assertEqual(reasons, {
+                'alpha-1.0-1.noarch': transaction.TransactionItemReason_USER,
+                'beta-1.0-1.noarch': transaction.TransactionItemReason_DEPENDENCY})
 
     def test_whatTheProgramShowsStaysReadableAfterAnApply(self):
         program = self.begin([Rpm('alpha', changelog='* Mon Jan 06 2020 A B <a@b> - 1\n- Old')],
@@ -501,12 +506,7 @@ class Around(ApplyTest):
         self.assertLessEqual(len(os.listdir('/proc/self/fd')), before)
 
     def test_pluginsServeTheApplyAndTheNextCollection(self):
-        os.makedirs(self.path('plugins'))
-        with open(self.path('plugins', 'probe.py'), 'w') as stream:
-            stream.write('import dnf\nclass Probe(dnf.Plugin):\n    name = "probe"\n'
-                         '    def transaction(self):\n'
-                         '        open(%r, "a").write("x")\n' % self.path('ran'))
-        self.config('[main]\npluginpath=%s\n' % self.path('plugins'))
+        self.plugin('probe', 'open(%r, "a").write("x")' % self.path('ran'))
         program = self.begin([], [Rpm('alpha'), Rpm('beta')])
         program.apply('install alpha')
         program.apply('install beta')

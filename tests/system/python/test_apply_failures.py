@@ -195,7 +195,7 @@ class Failed(ApplyTest):
         text = self.refused(program, 'install alpha', 'install bad')
         self.assertIn('bad: the script that runs before its installation failed', text)
         self.assertIn('exit status 3', text)
-        self.assertIn('Not done:\n  bad-1.0-1.noarch', text)
+        self.assertIn('Not done:\n  installation of bad-1.0-1.noarch', text)
         self.assertIn('What was done stays done', text)
         self.assertIn('Refresh', text)
         self.assertEqual(self.database(), ['alpha-1.0-1.noarch'])
@@ -225,6 +225,16 @@ class Failed(ApplyTest):
         text = self.refused(program, 'update bad')
         self.assertIn('Not done', text)
         self.assertEqual(self.database(), ['bad-1.0-1.noarch'])
+
+    def test_whatFailsAfterTheRunDoesNotSayThatNothingChanged(self):
+        self.plugin('failing', 'raise dnf.exceptions.Error("no snapshot")')
+        program = self.begin([], [Rpm('alpha')])
+        text = self.refused(program, 'install alpha')
+        self.assertIn('was run', text)
+        self.assertIn('no snapshot', text)
+        self.assertNotIn('nothing has changed', text)
+        self.assertNotIn('Not done', text)
+        self.assertEqual(self.database(), ['alpha-1.0-1.noarch'])
 
     def test_anApplyAfterAFailedOneWorks(self):
         program = self.begin([Rpm('old')], [Rpm('alpha'), Rpm('bad', scripts=[('%pre', 'exit 3')])],
