@@ -64,7 +64,7 @@ class Refused(ApplyTest):
 
     def test_noMarksAtAllSaySo(self):
         program = self.begin([Rpm('alpha')], [Rpm('beta')])
-        self.assertIn('nothing to apply', self.refused(program))
+        self.assertIn('nothing to do', self.refused(program))
         self.check(program, ['alpha-1.0-1.noarch'])
 
     def test_whatIsInstalledMeanwhileIsDroppedAndLogged(self):
