@@ -25,4 +25,5 @@ ScrollableConfirmDialog::ScrollableConfirmDialog(const QString& text, const QStr
     layout->addLayout(buttons);
     connect(accepting, &QPushButton::clicked, this, &QDialog::accept);
     connect(rejecting, &QPushButton::clicked, this, &QDialog::reject);
+    ScrollableText::fit(this);
 }

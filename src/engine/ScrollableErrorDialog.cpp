@@ -21,4 +21,5 @@ ScrollableErrorDialog::ScrollableErrorDialog(const QString& text, QWidget* paren
     buttons->addStretch(1);
     layout->addLayout(buttons);
     connect(closing, &QPushButton::clicked, this, &QDialog::accept);
+    ScrollableText::fit(this);
 }

@@ -2,6 +2,7 @@
 #include "engine/ScrollableText.h"
 
 #include "kit/HScrollArea.h"
+#include "kit/ScreenLimit.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -29,4 +30,11 @@ QLabel* ScrollableText::add(QVBoxLayout* layout, QStyle::StandardPixmap icon, co
     upper->addWidget(area, 1);
     layout->addLayout(upper, 1);
     return label;
+}
+
+void ScrollableText::fit(QWidget* dialog)
+{
+    // Left to itself, the first size of a window stops at two thirds of the screen.
+    dialog->ensurePolished();
+    dialog->resize(dialog->sizeHint().boundedTo(ScreenLimit::of(dialog)));
 }

@@ -54,6 +54,7 @@ private Q_SLOTS:
     void longTextScrollsWithTheButtonsInView_data();
     void longTextScrollsWithTheButtonsInView();
     void shortTextNeedsNoScrollBar();
+    void lineOfMostOfTheScreenIsSeenWhole();
     void textIsPlainAndCanBeSelected();
     void userScopeRestoresWhatWasThere();
     void parentMayGoFirst();
@@ -253,6 +254,20 @@ void TestYumIODialogs::shortTextNeedsNoScrollBar()
 {
     ScrollableConfirmDialog dialog(QStringLiteral("Really?\nSure?"), QStringLiteral("Yes"),
                                    QStringLiteral("No"), nullptr);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    auto* area = dialog.findChild<QScrollArea*>();
+    QVERIFY(!area->verticalScrollBar()->isVisible());
+    QVERIFY(!area->horizontalScrollBar()->isVisible());
+}
+
+void TestYumIODialogs::lineOfMostOfTheScreenIsSeenWhole()
+{
+    const int width = QGuiApplication::primaryScreen()->geometry().width() * 3 / 4;
+    QString text;
+    while (QApplication::fontMetrics().horizontalAdvance(text) < width)
+        text += QLatin1Char('n');
+    ScrollableErrorDialog dialog(text, nullptr);
     dialog.show();
     QVERIFY(QTest::qWaitForWindowExposed(&dialog));
     auto* area = dialog.findChild<QScrollArea*>();
