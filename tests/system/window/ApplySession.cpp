@@ -12,6 +12,11 @@
 namespace
 {
 
+void failNow(const QString& message)
+{
+    QTest::qFail(qPrintable(message), __FILE__, __LINE__);
+}
+
 const char* const actionNames[] = {"Update", "Install", "Remove"};
 
 /// Whether `text` has all lines of `part`, in their order.
@@ -32,6 +37,17 @@ bool hasLines(const QString& text, const QString& part)
 ApplySession::ApplySession()
     : WindowSession(sandbox())
 {
+    dialogs.setReporter([this](const QString& message) {
+        if (applying)
+            failures << message;
+        else
+            failNow(message);
+    });
+}
+
+ApplySession::~ApplySession()
+{
+    dialogs.setReporter(failNow);
 }
 
 bool ApplySession::begin()
@@ -75,7 +91,8 @@ QStringList ApplySession::marks()
     QStringList marked;
     const QAbstractItemModel* rows = model();
     for (int row = 0; row < rows->rowCount(); ++row) {
-        const auto* entry = rows->index(row, 0).data(Qt::UserRole).value<Package::Entry*>();
+        const auto* entry =
+            rows->index(row, PackageTable::ColumnName).data(Qt::UserRole).value<Package::Entry*>();
         if (entry->action != Package::ActionNone)
             marked << QLatin1String(actionNames[entry->action]) + QLatin1Char(' ') + entry->name;
     }
@@ -95,8 +112,15 @@ DialogDriver::Expectation& ApplySession::expectReview(const QString& answer)
 
 bool ApplySession::apply()
 {
+    applying = true;
     click("apply");
-    return dialogs.waitUntilDone();
+    dialogs.waitUntilDone();
+    applying = false;
+    const bool good = failures.isEmpty();
+    if (!good)
+        failNow(failures.join(QLatin1Char('\n')));
+    failures.clear();
+    return good;
 }
 
 bool ApplySession::applyAndAnswer(const QString& answer)

@@ -18,6 +18,7 @@ class ApplySession : public QObject, public WindowSession
 {
 public:
     ApplySession();
+    ~ApplySession() override;
 
     /// Where the system is made, and what Python runs to make and serve it.
     static QString sandbox() { return QStringLiteral(VOK_SANDBOX "-apply"); }
@@ -34,7 +35,7 @@ public:
 
     /// Expects the review, and keeps what it says in `review`.
     DialogDriver::Expectation& expectReview(const QString& answer = QStringLiteral("OK"));
-    /// Clicks Apply and waits until all is over. False where an expected dialog didn't come.
+    /// Clicks Apply and waits until all is over. False where the dialogs weren't those expected.
     bool apply();
     /// The same, with the review as the only dialog.
     bool applyAndAnswer(const QString& answer = QStringLiteral("OK"));
@@ -70,6 +71,9 @@ protected:
 
 private:
     QStringList before;
+    /// What the driver of the dialogs had to report during an Apply, whose log takes all output.
+    QStringList failures;
+    bool applying = false;
 };
 
 /// main() of the tests of Apply.

@@ -17,6 +17,7 @@ const char served[] = "VOK_SANDBOX_SERVED";
 SandboxServer::SandboxServer(const QString& directory, const QStringList& command)
     : directory(directory)
     , command(command)
+    , inUse(directory + QStringLiteral(".lock"))
 {
 }
 
@@ -24,6 +25,12 @@ bool SandboxServer::start()
 {
     if (qEnvironmentVariableIsSet(served))
         return true;
+    // Stale only when its process has ended.
+    inUse.setStaleLockTime(0);
+    if (!inUse.tryLock(240000)) {
+        std::fputs("another run uses the sandbox\n", stderr);
+        return false;
+    }
     qputenv("PYTHONPATH", VOK_SOURCE);
     const QString python = QStringLiteral(VOK_PYTHON);
     QDir().mkpath(directory);

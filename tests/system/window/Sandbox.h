@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <QLockFile>
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
@@ -20,6 +21,8 @@ public:
 private:
     QString directory;
     QStringList command;
+    /// One run at a time: each makes the system anew.
+    QLockFile inUse;
     QProcess server;
     QTemporaryDir scratch;
 };

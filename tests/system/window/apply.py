@@ -37,7 +37,7 @@ RECIPE = replace(
     installed=DEMO.installed + (fails_preun, fails_postun, owner),
     repositories=DEMO.repositories + (
         Repository("cases", "What only tests want", gpgcheck=False, file="cases.repo",
-                   packages=(big, thief, *libraries), groups=(
+                   packages=(fails_postun, big, thief, *libraries), groups=(
                        Group("first", "First Pair", mandatory=("edwin", "no-such-package")),
                        Group("second", "Second Pair", mandatory=("edwin",), default=("chess",)),
                    )),
