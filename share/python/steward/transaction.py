@@ -156,7 +156,7 @@ class Plan:
     def solve(self):
         """Raises YumBaseError if it can't be done, or if there is nothing to do."""
         if not self._marks:
-            raise YumBaseError('There is nothing to do: no package is marked.')
+            raise YumBaseError('No package is marked, so there is nothing to do.')
         problem = None
         try:
             self._pass(False)
