@@ -182,7 +182,7 @@ void YumIO::leaveUnattended()
     }
     const QMutexLocker locker(&logEntries.mutex);
     for (const Log::Entry& entry : qAsConst(logEntries.entries)) {
-        if (entry.kind == Log::Error)
+        if (entry.kind == Log::Error || entry.kind == Log::Warning)
             Unattended::tell(entry.text.toLocal8Bit().constData());
     }
 }

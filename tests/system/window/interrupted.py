@@ -11,9 +11,10 @@ from demo.__main__ import main
 from demo.default import busybox, filesystem, package, release, setup
 from demo.recipe import Recipe, Repository
 
-#: Tells what signals do to a program that it starts, then waits until it may go on.
+#: Tells what signals do to a program that it starts (SIGINT is kept from all of them by rpm itself), then waits
+#: until it may go on.
 WAITS = """
-for name in INT TERM HUP; do sh -c "kill -$name \\$\\$"; echo $name $?; done > /signals 2>/dev/null
+for name in TERM HUP; do sh -c "kill -$name \\$\\$"; echo $name $?; done > /signals 2>/dev/null
 echo > /began
 while [ ! -e /go ]; do sleep 0.1; done
 """
