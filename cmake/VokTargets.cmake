@@ -31,19 +31,36 @@ function(vok_library name)
   vok_compile_settings(vok_${name} PRIVATE)
 endfunction()
 
+# vok_shared_by_tests(TARGET LIBRARY...): the sources of the current folder that aren't tests
+# themselves, compiled once for all of its tests.
+function(vok_shared_by_tests target)
+  file(GLOB sources CONFIGURE_DEPENDS *.cpp *.h)
+  list(FILTER sources EXCLUDE REGEX "/tst_[^/]*$")
+  add_library(${target} STATIC ${sources})
+  target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR}/tests
+                             ${CMAKE_CURRENT_SOURCE_DIR})
+  target_link_libraries(${target} PUBLIC ${ARGN})
+  vok_compile_settings(${target} PRIVATE)
+endfunction()
+
 # vok_tests(AREA LIBRARY...): each tst_*.cpp of the current folder becomes the executable and CTest
 # test AREA.<name>, run without a display of its own. Other *.cpp files are shared by all of them.
 function(vok_tests area)
   file(GLOB tests CONFIGURE_DEPENDS tst_*.cpp)
   file(GLOB shared CONFIGURE_DEPENDS *.cpp)
   list(FILTER shared EXCLUDE REGEX "/tst_[^/]*$")
+  set(libraries ${ARGN} vok_testsupport Qt5::Test)
+  if(shared)
+    vok_shared_by_tests(test_${area} ${libraries})
+    list(PREPEND libraries test_${area})
+  endif()
   foreach(source IN LISTS tests)
     get_filename_component(name ${source} NAME_WE)
     string(REGEX REPLACE "^tst_" "" short ${name})
     set(target test_${area}_${short})
-    add_executable(${target} ${source} ${shared})
+    add_executable(${target} ${source})
     target_include_directories(${target} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-    target_link_libraries(${target} PRIVATE ${ARGN} vok_testsupport Qt5::Test)
+    target_link_libraries(${target} PRIVATE ${libraries})
     vok_compile_settings(${target} PRIVATE)
     add_test(NAME ${area}.${short} COMMAND ${target})
     set_tests_properties(${area}.${short} PROPERTIES
