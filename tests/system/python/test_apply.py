@@ -241,7 +241,8 @@ class Changes(ApplyTest):
                                   Rpm('beta', files=['/usr/bin/beta'])])
         self.server.forget()
         program.apply('install alpha')
-        self.assertEqual(self.server.names(), ['alpha-1.0-1.noarch.rpm', 'beta-1.0-1.noarch.rpm'])
+        self.assertEqual(sorted(self.server.names()),
+                         ['alpha-1.0-1.noarch.rpm', 'beta-1.0-1.noarch.rpm'])
         self.assertEqual(yumIOC.named('dsRestartLoop'), [])
 
     def test_aPackageOfTwoRepositoriesComesFromTheMarkedOne(self):
