@@ -229,7 +229,8 @@ class Plan:
         gone = 0
         for old in marks.removes:
             if nevra(old) in installed:
-                base.package_remove(installed[nevra(old)])
+                base.goal.erase(installed[nevra(old)],
+                                clean_deps=base.conf.clean_requirements_on_remove)
             else:
                 gone += 1
                 log('%s is not installed any more', old)

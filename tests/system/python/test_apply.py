@@ -71,12 +71,24 @@ class Changes(ApplyTest):
         self.assertEqual(program.solve, ['beta-1.0-1.noarch marked as erase'])
         self.assertEqual(program.labels, ['Removing beta', 'Removing alpha'])
 
-    def test_aRemovalLeavesWhatItNeededInPlace(self):
-        program = self.begin([], [Rpm('alpha', tags=['Requires: beta']), Rpm('beta')])
-        program.apply('install alpha')
+    def removeWithLeftovers(self):
+        """Alpha came with beta, gamma was asked for; then alpha goes."""
+        program = self.begin([], [Rpm('alpha', tags=['Requires: beta', 'Requires: gamma']),
+                                  Rpm('beta'), Rpm('gamma')])
+        program.apply('install alpha', 'install gamma')
         program = self.open()
         program.apply('remove alpha')
-        self.check(program, ['removed alpha-1.0-1.noarch'], ['beta-1.0-1.noarch'])
+        return program
+
+    def test_aRemovalTakesAlongWhatNothingElseNeeds(self):
+        self.check(self.removeWithLeftovers(),
+                   ['removed alpha-1.0-1.noarch', 'depremoved beta-1.0-1.noarch'],
+                   ['gamma-1.0-1.noarch'])
+
+    def test_aRemovalLeavesWhatItNeededWhereTheConfigurationSaysSo(self):
+        self.config('[main]\nclean_requirements_on_remove=0\n')
+        self.check(self.removeWithLeftovers(), ['removed alpha-1.0-1.noarch'],
+                   ['beta-1.0-1.noarch', 'gamma-1.0-1.noarch'])
 
     def test_allThreeInOneTransaction(self):
         program = self.begin([Rpm('alpha'), Rpm('beta')], [Rpm('alpha', '2.0'), Rpm('gamma')])
