@@ -122,8 +122,11 @@ void MainWindow::setReady(bool nowReady)
         cleanSqliteCacheAction->setEnabled(nowReady && engine->hasSqliteCache());
         mainArea->setEnabled(nowReady);
     }
-    if (nowReady && focusWhenReady && !mainArea->isAncestorOf(focusWidget()))
-        focusWhenReady->setFocus();
+    if (nowReady && focusWhenReady && !mainArea->isAncestorOf(focusWidget())) {
+        // The button Apply has done its work, and can't take it back.
+        QWidget* heir = focusWhenReady->isEnabled() ? focusWhenReady.data() : view;
+        heir->setFocus();
+    }
     if (nowReady)
         QApplication::restoreOverrideCursor();
     else

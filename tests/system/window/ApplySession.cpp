@@ -4,10 +4,13 @@
 #include "progress/HProgressBar.h"
 #include "table/PackageTable.h"
 
+#include <QDir>
+#include <QGuiApplication>
 #include <QProcess>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTableView>
+#include <QWindow>
 
 namespace
 {
@@ -105,6 +108,12 @@ DialogDriver::Expectation& ApplySession::expectReview(const QString& answer)
     review.clear();
     return dialogs.expect(QStringLiteral("Apply"))
         .act([this](QWidget* dialog) {
+            // Nobody answers before a window has the keyboard, which would get lost thereby.
+            const auto active = [dialog] {
+                return QGuiApplication::focusWindow() == dialog->windowHandle();
+            };
+            if (!QTest::qWaitFor(active))
+                failures << QStringLiteral("the review has no focus");
             review = DialogDriver::textsIn(dialog).join(QLatin1Char('\n'));
         })
         .press(answer);
@@ -207,12 +216,20 @@ QString ApplySession::unsettled()
         if (bar->isEnabled() || !bar->text().isEmpty() || bar->value() > bar->minimum())
             return QStringLiteral("%1 shows \"%2\"").arg(QLatin1String(name), bar->text());
     }
+    if (!find<QWidget>("mainArea")->isAncestorOf(window().focusWidget()))
+        return QStringLiteral("nothing in the window has the keyboard");
     if (QApplication::overrideCursor())
         return QStringLiteral("the cursor is busy");
     if (find<QPushButton>("apply")->isEnabled() != !marks().isEmpty())
         return QStringLiteral("the button Apply doesn't fit the marks");
     if (!locked())
         return QStringLiteral("the lock isn't held");
+    for (const char* folder : {"tmp", "var/tmp"}) {
+        const QStringList rest =
+            QDir(path(folder)).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+        if (!rest.isEmpty())
+            return QStringLiteral("left in the root: ") + rest.join(QLatin1Char(' '));
+    }
     if (!terminal().isEmpty())
         return QStringLiteral("on the terminal: ") + QString::fromLocal8Bit(terminal());
     return QString();
