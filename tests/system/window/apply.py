@@ -30,6 +30,8 @@ big = package("case-big", summary="Ten megabytes", files=(File("/usr/share/big",
 owner = package("case-owner", summary="Owns a file", files=(File("/usr/share/case-owned", text="mine\n"),))
 thief = owner.but(name="case-thief", summary="Owns the same file",
                   files=(File("/usr/share/case-owned", text="no, mine\n"),))
+needs_file = package("case-needs-file", summary="Needs a file that no index of packages names",
+                     requires=("/usr/lib64/tabular/data",))
 libraries = tuple(package("case-pair", "1.0", arch=arch) for arch in ("x86_64", "i686"))
 
 RECIPE = replace(
@@ -37,7 +39,7 @@ RECIPE = replace(
     installed=DEMO.installed + (fails_preun, fails_postun, owner),
     repositories=DEMO.repositories + (
         Repository("cases", "What only tests want", gpgcheck=False, file="cases.repo",
-                   packages=(fails_postun, big, thief, *libraries), groups=(
+                   packages=(fails_postun, big, thief, needs_file, *libraries), groups=(
                        Group("first", "First Pair", mandatory=("edwin", "no-such-package")),
                        Group("second", "Second Pair", mandatory=("edwin",), default=("chess",)),
                    )),

@@ -25,15 +25,18 @@ private:
     static void becomes(ApplySession& user, const QStringList& review, const QStringList& changes)
     {
         QStringList before;
+        bool locked = false;
         user.dialogs.expect("Apply")
             .act([&](QWidget* dialog) {
                 user.review = DialogDriver::textsIn(dialog).join('\n');
                 before = user.changes();
+                locked = user.locked();
             })
             .press("OK");
         QVERIFY(user.apply());
         COMPARE_LINES(user.reviewed(), review);
         COMPARE_LINES(before, QStringList());
+        QVERIFY(locked);
         COMPARE_LINES(user.changes(), changes);
         COMPARE_LINES(user.marks(), QStringList());
         QCOMPARE(user.unsettled(), QString());
@@ -64,6 +67,47 @@ private Q_SLOTS:
                  qPrintable(user.downloadSize()));
         QCOMPARE(user.entry("chain-four")->state, Package::StateInstalled);
         QVERIFY(QFile::exists(user.path("usr/lib64/chain-five/data")));
+        QCOMPARE(user.quit(), QString());
+    }
+
+    void aRequirementOnAFileBringsItsPackage()
+    {
+        ApplySession user;
+        QVERIFY(user.begin());
+        QVERIFY(user.mark("case-needs-file", "Install"));
+        becomes(user,
+                {performed, "Install: case-needs-file 1.0-1 (noarch) [cases]", dependencies,
+                 "Install: tabular 7.4-1 (x86_64) [base]"},
+                {"+case-needs-file-1.0-1.noarch", "+tabular-7.4-1.x86_64"});
+        QCOMPARE(user.quit(), QString());
+    }
+
+    void whatCameAsADependencyGoesWithItsUser()
+    {
+        ApplySession user;
+        QVERIFY(user.begin());
+        QVERIFY(user.mark("chain-four", "Install"));
+        QVERIFY(user.applyAndAnswer());
+        COMPARE_LINES(user.changes(), {"+chain-five-1.0-1.x86_64", "+chain-four-1.0-1.x86_64"});
+        QVERIFY(user.mark("chain-four", "Remove"));
+        becomes(user,
+                {performed, "Remove: chain-four 1.0-1 (x86_64)", dependencies,
+                 "Remove: chain-five 1.0-1 (x86_64)"},
+                {"-chain-five-1.0-1.x86_64", "-chain-four-1.0-1.x86_64"});
+        QCOMPARE(user.quit(), QString());
+    }
+
+    void whatCameAsADependencyStaysWhereThatIsWanted()
+    {
+        ApplySession user;
+        user.configure("etc/yum.conf", "main", "clean_requirements_on_remove=0\n");
+        QVERIFY(user.begin());
+        QVERIFY(user.mark("chain-four", "Install"));
+        QVERIFY(user.applyAndAnswer());
+        COMPARE_LINES(user.changes(), {"+chain-five-1.0-1.x86_64", "+chain-four-1.0-1.x86_64"});
+        QVERIFY(user.mark("chain-four", "Remove"));
+        becomes(user, {performed, "Remove: chain-four 1.0-1 (x86_64)"},
+                {"-chain-four-1.0-1.x86_64"});
         QCOMPARE(user.quit(), QString());
     }
 
@@ -185,6 +229,19 @@ private Q_SLOTS:
                 {"+kernel-5.10.19-1.x86_64"});
         for (const char* file : {"boot/vmlinuz-5.10.12", "boot/vmlinuz-5.10.19"})
             QVERIFY2(QFile::exists(user.path(file)), file);
+        QCOMPARE(user.quit(), QString());
+    }
+
+    void theOldestVersionGoesWhereTheirNumberIsLimited()
+    {
+        ApplySession user;
+        user.replace("etc/yum.conf", "installonly_limit=3", "installonly_limit=2");
+        QVERIFY(user.begin());
+        QVERIFY(user.mark("kernel", "Update"));
+        becomes(user,
+                {performed, "Install: kernel 5.10.19-1 (x86_64) [updates]", dependencies,
+                 "Remove: kernel 5.10.12-1 (x86_64)"},
+                {"+kernel-5.10.19-1.x86_64", "-kernel-5.10.12-1.x86_64"});
         QCOMPARE(user.quit(), QString());
     }
 
@@ -319,7 +376,7 @@ private Q_SLOTS:
         user.expectError(user.told);
         QVERIFY(user.apply());
         COMPARE_LINES(user.changes(), QStringList());
-        QVERIFY2(user.told.contains("no package is marked"), qPrintable(user.told));
+        QVERIFY2(user.told.contains("package is marked"), qPrintable(user.told));
         QCOMPARE(user.unlogged(), QString());
         QCOMPARE(user.quit(), QString());
     }

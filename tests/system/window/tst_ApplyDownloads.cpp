@@ -83,6 +83,39 @@ private Q_SLOTS:
         failsAndRecovers(user, {"wordsmith-4.2-1.x86_64.rpm", "checksum"});
     }
 
+    void aServerThatHangs()
+    {
+        ApplySession user;
+        user.configure("etc/yum.conf", "main", "timeout=2\n");
+        user.fail("*/wordsmith-*.rpm", "hang");
+        failsAndRecovers(user, {"wordsmith-4.2-1.x86_64.rpm"});
+    }
+
+    void aServerThatStopsInTheMiddle()
+    {
+        ApplySession user;
+        user.configure("etc/yum.conf", "main", "timeout=2\n");
+        user.fail("*/wordsmith-*.rpm", "stall");
+        failsAndRecovers(user, {"wordsmith-4.2-1.x86_64.rpm"});
+    }
+
+    void aPackageBehindNameAndPassword()
+    {
+        ApplySession user;
+        user.fail("*/members-bulletin-*.rpm", "404");
+        QVERIFY(user.begin());
+        QVERIFY(user.mark("members-bulletin", "Install"));
+        QVERIFY(user.applyAndFail());
+        QVERIFY2(user.told.contains("members-bulletin-1.3-1.noarch.rpm") &&
+                     !user.told.contains("secret"),
+                 qPrintable(user.told));
+        user.recover();
+        QVERIFY(user.applyAndAnswer());
+        COMPARE_LINES(user.changes(), {"+members-bulletin-1.3-1.noarch"});
+        QVERIFY(!user.wholeLog().contains("secret"));
+        QCOMPARE(user.quit(), QString());
+    }
+
     void allPackagesThatFailAreNamed()
     {
         ApplySession user;

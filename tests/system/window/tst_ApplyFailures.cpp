@@ -2,6 +2,8 @@
 #include "ApplySession.h"
 #include "SmallDisk.h"
 
+#include <QProcess>
+
 /// What can't be done is told in words, leaves the marks for another try, and costs nothing else.
 class TestApplyFailures : public QObject
 {
@@ -214,6 +216,34 @@ private Q_SLOTS:
         QVERIFY(user.applyAndFail());
         failedWith(user, {"space"}, {"Install case-big"});
         stillWorks(user);
+    }
+
+    void anotherProgramIsAtThePackages()
+    {
+        ApplySession user;
+        QVERIFY(user.begin());
+        QVERIFY(user.mark("wordsmith", "Install"));
+        {
+            // As rpm holds it while it runs a transaction.
+            QProcess other;
+            other.start(VOK_PYTHON, {"-c",
+                                     "import fcntl, sys\n"
+                                     "lock = open(sys.argv[1], 'w')\n"
+                                     "fcntl.lockf(lock, fcntl.LOCK_EX)\n"
+                                     "print('held', flush=True)\n"
+                                     "sys.stdin.read()",
+                                     user.path("var/lib/rpm/.rpm.lock")});
+            QVERIFY(other.waitForReadyRead());
+            user.expectError(user.told);
+            QVERIFY(user.apply());
+            failedWith(user, {QString::number(other.processId())}, {"Install wordsmith"});
+            other.closeWriteChannel();
+            QVERIFY(other.waitForFinished());
+        }
+        QVERIFY(user.applyAndAnswer());
+        COMPARE_LINES(user.changes(), {"+wordsmith-4.2-1.x86_64"});
+        QCOMPARE(user.unsettled(), QString());
+        QCOMPARE(user.quit(), QString());
     }
 
     void whatFailedIsDoneAtTheSecondTry()
