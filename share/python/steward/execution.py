@@ -57,9 +57,10 @@ class _Failures(logging.Handler):
         self.lines.append(line[5:] if line.startswith('RPM: ') else line)
 
 
-def _is_no_output(record):
-    """The library logs what scriptlets write as information; the display tells it line by line."""
-    return record.levelno != logging.INFO
+def _is_untold(record):
+    """False for what the display tells too: the output of scriptlets, which the library logs as
+    information, and which of them failed."""
+    return record.levelno != logging.INFO and not _SCRIPTLET.match(record.getMessage())
 
 
 class _Display(dnf.yum.rpmtrans.TransactionDisplay):
@@ -124,7 +125,7 @@ class Run:
         yumIOC.tsInitCallback(0)
         problem = None
         outputs, library = logging.getLogger('dnf.rpm'), logging.getLogger('dnf')
-        outputs.addFilter(_is_no_output)
+        outputs.addFilter(_is_untold)
         library.addHandler(self._log)
         self._base._run_transaction = self._announced
         try:
@@ -136,7 +137,7 @@ class Run:
         finally:
             del self._base._run_transaction
             library.removeHandler(self._log)
-            outputs.removeFilter(_is_no_output)
+            outputs.removeFilter(_is_untold)
         if self._raised is not None:
             raise self._raised
         if problem is not None:

@@ -6,8 +6,15 @@ import sys
 
 import dnf.logging
 import yumIOC
+from dnf.i18n import _
 
 from steward.texts import masked
+
+# What the library says for its own command line, and what fits this program.
+_REWORDED = {
+    _("You can remove cached packages by executing '%s'."):
+        'The Cache menu can remove cached packages.',
+}
 
 # The library's level from which on a line has the given debug level (0 to 10).
 _DEBUG_LEVELS = (
@@ -38,7 +45,7 @@ class ProgramHandler(logging.Handler):
 
     def emit(self, record):
         try:
-            text = masked(self.format(record))
+            text = masked(_REWORDED.get(record.msg) or self.format(record))
             if record.levelno >= logging.WARNING:
                 yumIOC.errorlog(_level(record.levelno, _ERROR_LEVELS, 2), text)
             else:

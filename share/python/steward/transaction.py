@@ -121,8 +121,10 @@ class Lists:
         getattr(self, name if asked else 'dep' + name).append(member)
         return member
 
-    def members(self):
-        return [member for name in self.NAMES for member in getattr(self, name)]
+    def sort(self):
+        """The order for the reader."""
+        for name in self.NAMES:
+            getattr(self, name).sort(key=lambda member: (member.pkgtup, member.repoid))
 
     def rows(self, *names):
         return {row(member.po) for name in names for member in getattr(self, name)}
@@ -308,6 +310,7 @@ class Plan:
             elif package.name != new.name:
                 member = self.tsInfo.add('obsoleted', self._made(package))
                 member.relatedto.append((members[new], 'obsoletedby'))
+        self.tsInfo.sort()
         self._update_rows = marks.update_rows | self.tsInfo.rows('updated', 'depupdated')
         self._install_rows = self.tsInfo.rows('installed', 'depinstalled')
 

@@ -122,6 +122,7 @@ class Program:
                     line += ' [%s]' % member.repoid
                 self.review.append(line)
                 self._note(name, member)
+        self.listed = list(self.review)
         self.review.sort()
 
     @staticmethod

@@ -32,6 +32,15 @@ class Changes(ApplyTest):
         self.assertEqual(program.labels, ['Installing gamma', 'Installing beta',
                                           'Installing alpha'])
 
+    def test_theReviewIsInTheOrderOfTheNames(self):
+        self.repository('another', [Rpm('beta'), Rpm('delta')], text='gpgcheck=0\n')
+        program = self.begin([], [Rpm('alpha'), Rpm('gamma')])
+        program.apply('install gamma', 'install delta', 'install beta', 'install alpha')
+        self.assertEqual(program.listed, ['installed alpha-1.0-1.noarch [base]',
+                                          'installed beta-1.0-1.noarch [another]',
+                                          'installed delta-1.0-1.noarch [another]',
+                                          'installed gamma-1.0-1.noarch [base]'])
+
     def test_anUpdateTakesTheOldVersionAway(self):
         program = self.begin([Rpm('alpha')], [Rpm('alpha', '2.0')])
         program.apply('update alpha')
