@@ -1,74 +1,13 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "progress/HProgressBar.h"
-#include "progress/Progress.h"
-#include "progress/ProgressMinion.h"
+#include "ProgressTest.h"
 
-#include <QPointer>
-#include <QScopeGuard>
-#include <QSemaphore>
 #include <QSignalSpy>
 #include <QTest>
-#include <QThread>
-#include <QTimer>
-
-#include <functional>
-#include <memory>
 
 using Progress::ThreadState;
 
 namespace
 {
-
-/// Shows what an object holds.
-class Probe : public Progress::Object
-{
-public:
-    using Object::actIndex;
-    using Object::itemEnd;
-    using Object::itemMaximum;
-    using Object::itemStart;
-    using Object::itemValue;
-    using Object::minion;
-    using Object::Object;
-    using Object::position;
-    using Object::sameThread;
-    using Object::threads;
-    using Object::totalMaximum;
-    using Object::totalValue;
-    using Object::valueTime;
-
-    /// The next value isn't held back.
-    void passThrottle()
-    {
-        while (valueTime.elapsed() <= 9)
-            QThread::yieldCurrentThread();
-    }
-};
-
-/// Runs `scenario` until it has once taken less time than values are held back for, which a busy
-/// machine may spoil. A scenario sets up all that it looks at.
-bool runsWithinThrottle(const std::function<void()>& scenario)
-{
-    for (int attempt = 0; attempt < 50; ++attempt) {
-        QElapsedTimer clock;
-        clock.start();
-        scenario();
-        if (clock.elapsed() <= 9)
-            return true;
-    }
-    return false;
-}
-
-/// Runs `body` on a thread of its own while this thread's event loop turns.
-void runOnWorkThread(const std::function<void()>& body)
-{
-    const std::unique_ptr<QThread> thread(QThread::create(body));
-    thread->setObjectName(QStringLiteral("work"));
-    QSignalSpy finished(thread.get(), &QThread::finished);
-    thread->start();
-    QVERIFY(finished.wait());
-    thread->wait();
-}
 
 Steps stepsOf(const QSignalSpy& spy, int emission, int argument)
 {
@@ -82,14 +21,11 @@ ThreadsState lastState(const QSignalSpy& spy)
 
 } // namespace
 
-class TestProgress : public QObject
+class TestProgress : public ProgressTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void registersTheTypesOfItsSignals();
     void copiesOfTheSlotsAreIndependent();
     void startsATotalAndLeavesTheItem();
@@ -115,29 +51,7 @@ private Q_SLOTS:
     void endedSlotKeepsItsNumbers();
     void endingTheThreadsLeavesNoSlots();
     void resetLeavesNoSlotsAndMaximaOfOne();
-    void letsTheGuiMoveOnOnTheGuiThread();
-    void leavesTheWorkThreadsEventsAlone();
-    void setsTheBarsFromAWorkThread();
-    void userKeepsTheObjectForAScope();
-    void deletesTheMinionBehindTheLastSignals();
-
-private:
-    std::unique_ptr<HProgressBar> total;
-    std::unique_ptr<HProgressBar> item;
 };
-
-void TestProgress::init()
-{
-    total = std::make_unique<HProgressBar>();
-    item = std::make_unique<HProgressBar>();
-}
-
-void TestProgress::cleanup()
-{
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    total.reset();
-    item.reset();
-}
 
 void TestProgress::registersTheTypesOfItsSignals()
 {
@@ -555,155 +469,6 @@ void TestProgress::resetLeavesNoSlotsAndMaximaOfOne()
         QVERIFY(!bar->isEnabled());
         QCOMPARE(bar->text(), QString());
     }
-}
-
-void TestProgress::letsTheGuiMoveOnOnTheGuiThread()
-{
-    Probe object(total.get(), item.get());
-    QVERIFY(object.sameThread);
-    int turns = 0;
-    QTimer timer;
-    connect(&timer, &QTimer::timeout, [&turns] { ++turns; });
-    timer.start(0);
-
-    object.startItem(QString(), 100, 1000);
-    object.passThrottle();
-    object.setItemValue(1);
-    QCOMPARE(turns, 0); // no total has been started
-
-    QVERIFY(runsWithinThrottle([&] {
-        turns = 0;
-        object.startTotal(QString(), 100);
-        object.setItemValue(2);
-    }));
-    QCOMPARE(turns, 0); // too soon
-
-    object.startTotal(QString(), 100);
-    object.valueTime.start();
-    object.passThrottle();
-    object.passThrottle();
-    object.setItemValue(3);
-    QVERIFY(turns > 0);
-}
-
-void TestProgress::leavesTheWorkThreadsEventsAlone()
-{
-    bool sameThread = true;
-    int turns = 0;
-    runOnWorkThread([&] {
-        Probe object(total.get(), item.get());
-        sameThread = object.sameThread;
-        QTimer timer;
-        connect(&timer, &QTimer::timeout, [&turns] { ++turns; });
-        timer.start(0);
-        object.startTotal(QString(), 100);
-        object.startItem(QString(), 100, 1000);
-        for (Steps value = 1; value <= 3; ++value) {
-            object.passThrottle();
-            object.setItemValue(value);
-        }
-    });
-    QVERIFY(!sameThread);
-    QCOMPARE(turns, 0);
-}
-
-void TestProgress::setsTheBarsFromAWorkThread()
-{
-    QSemaphore seen;
-    QThread* minionThread = nullptr;
-    QThread* changedOn = nullptr;
-    connect(
-        item.get(), &HProgressBar::valueChanged, item.get(),
-        [&changedOn] { changedOn = QThread::currentThread(); }, Qt::DirectConnection);
-
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
-        Probe object(total.get(), item.get());
-        minionThread = object.minion->thread();
-        object.startTotal(QStringLiteral("all"), 1000);
-        object.startItem(QStringLiteral("item"), 500, 50);
-        object.passThrottle();
-        object.setItemValue(25);
-        seen.acquire();
-    }));
-    thread->start();
-    const auto joined = qScopeGuard([&] {
-        seen.release();
-        thread->wait();
-    });
-
-    QTRY_COMPARE(item->value(), 25);
-    QCOMPARE(total->value(), 250);
-    QCOMPARE(total->maximum(), 1000);
-    QVERIFY(total->isEnabled());
-    QVERIFY(item->isEnabled());
-    QCOMPARE(total->text(), QStringLiteral("all (25%)"));
-    QCOMPARE(item->text(), QStringLiteral("item (50%)"));
-    QCOMPARE(minionThread, QThread::currentThread());
-    QCOMPARE(changedOn, QThread::currentThread());
-
-    seen.release();
-    QVERIFY(thread->wait());
-    QTRY_COMPARE(item->maximum(), 1);
-    QVERIFY(!item->isEnabled());
-    QCOMPARE(item->text(), QString());
-    QCOMPARE(total->text(), QString());
-}
-
-void TestProgress::userKeepsTheObjectForAScope()
-{
-    Progress::Object* slot = nullptr;
-    QThread* lives = nullptr;
-    QThread* worked = nullptr;
-    bool ended = false;
-    runOnWorkThread([&] {
-        {
-            const Progress::User user(slot, total.get(), item.get());
-            lives = slot ? slot->thread() : nullptr;
-            worked = QThread::currentThread();
-        }
-        ended = slot == nullptr;
-    });
-    QVERIFY(lives);
-    QCOMPARE(lives, worked);
-    QVERIFY(ended);
-
-    // The body may have deleted it itself.
-    {
-        const Progress::User user(slot, total.get(), item.get());
-        delete slot;
-        slot = nullptr;
-    }
-    QVERIFY(!slot);
-}
-
-void TestProgress::deletesTheMinionBehindTheLastSignals()
-{
-    QPointer<Progress::Minion> minion;
-    QString textAtEnd = QStringLiteral("unset");
-    QThread* deletedOn = nullptr;
-
-    const std::unique_ptr<QThread> thread(QThread::create([&] {
-        Probe object(total.get(), item.get());
-        minion = object.minion;
-        connect(
-            object.minion, &QObject::destroyed, object.minion,
-            [&] {
-                textAtEnd = item->text();
-                deletedOn = QThread::currentThread();
-            },
-            Qt::DirectConnection);
-        object.startTotal(QStringLiteral("all"), 1000);
-        object.startItem(QStringLiteral("item"), 500, 50);
-    }));
-    thread->start();
-    // Nothing reaches this thread until it turns its loop, so all signals are on their way at once.
-    QVERIFY(thread->wait());
-    QVERIFY(minion);
-    QTRY_VERIFY(!minion);
-    QCOMPARE(deletedOn, QThread::currentThread());
-    QCOMPARE(textAtEnd, QString());
-    QVERIFY(!item->isEnabled());
-    QVERIFY(!total->isEnabled());
 }
 
 QTEST_MAIN(TestProgress)
