@@ -15,6 +15,15 @@ inline Steps steps(long long value)
     return value < 0 ? 0 : static_cast<Steps>(value);
 }
 
+/// Slots of a batch, whose number the script gives; none where that is nonsense.
+inline unsigned int slotCount(long long files)
+{
+    // 32 bits of it count.
+    const auto count = static_cast<unsigned int>(steps(files));
+    constexpr unsigned int most = 100000;
+    return count > most ? 0 : count;
+}
+
 /// A name or path as it is to be shown, without what a URL tells a server about its user.
 QString withoutVantry(QString name);
 

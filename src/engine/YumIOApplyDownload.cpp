@@ -147,7 +147,7 @@ PyObject* YumIO::applyGrabMultiMeterStart(PyObject*, PyObject* args)
     const Steps end = std::max<Steps>(applyState.progressAct, 1);
     if (progress)
         progress->setupItemActsThreads(QStringLiteral("Downloading %1 packages").arg(files), first,
-                                       end, static_cast<unsigned int>(steps(files)), steps(bytes));
+                                       end, Meters::slotCount(files), steps(bytes));
     Py_RETURN_NONE;
 }
 

@@ -155,7 +155,7 @@ PyObject* YumIO::collectGrabMultiMeterStart(PyObject*, PyObject* args)
     collectState.multiSize = totalSize;
     collectState.nextThread = 0;
     collectState.meterThreads.clear();
-    collectState.threadIds.assign(static_cast<std::size_t>(steps(files)), ThreadId());
+    collectState.threadIds.assign(Meters::slotCount(files), ThreadId());
     collectState.idThreads.clear();
     Py_RETURN_NONE;
 }

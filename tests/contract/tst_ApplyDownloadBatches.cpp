@@ -257,6 +257,26 @@ private Q_SLOTS:
         QCOMPARE(items, QStringList({"Downloading 4294967298 packages"}));
     }
 
+    void aBatchOfMoreFilesThanThereCanBeHasNoSlots_data()
+    {
+        QTest::addColumn<QString>("files");
+        QTest::newRow("more than an int") << "(1 << 31) + 5";
+        QTest::newRow("an int's most") << "(1 << 31) - 1";
+    }
+
+    void aBatchOfMoreFilesThanThereCanBeHasNoSlots()
+    {
+        open({{"multi", true}});
+        QFETCH(QString, files);
+        startBatch(files);
+        QCOMPARE(progress->threads.count(), 0U);
+        announce("a");
+        start("a", "a.rpm", 400);
+        end("a", 400);
+        startBatch("100000");
+        QCOMPARE(progress->threads.count(), 100000U);
+    }
+
     void aBatchOfNoBytesTakesNoRoom()
     {
         open({{"multi", true}}, 2000);
