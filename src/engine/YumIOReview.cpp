@@ -8,6 +8,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <utility>
 
 namespace
 {
@@ -288,15 +289,17 @@ PyObject* YumIO::listTransaction(PyObject*, PyObject* args)
             return nullptr;
     }
 
-    noteTransactionPkgs(Package::ActionInstall, of.installed);
-    noteTransactionPkgs(Package::ActionUpdate, of.updated);
-    noteTransactionPkgs(Package::ActionRemove, of.removed);
-    noteTransactionPkgs(Package::ActionInstall, of.depInstalled);
-    noteTransactionPkgs(Package::ActionUpdate, of.depUpdated);
-    noteTransactionPkgs(Package::ActionRemove, of.depRemoved);
-    noteTransactionPkgs(Package::ActionRemove, of.obsoleted);
-    if (PyErr_Occurred())
-        return nullptr;
+    const std::pair<Package::Action, PyObject*> parts[] = {
+        {Package::ActionInstall, of.installed}, {Package::ActionUpdate, of.updated},
+        {Package::ActionRemove, of.removed},    {Package::ActionInstall, of.depInstalled},
+        {Package::ActionUpdate, of.depUpdated}, {Package::ActionRemove, of.depRemoved},
+        {Package::ActionRemove, of.obsoleted},
+    };
+    for (const auto& part : parts) {
+        noteTransactionPkgs(part.first, part.second);
+        if (PyErr_Occurred())
+            return nullptr;
+    }
     Py_RETURN_NONE;
 }
 

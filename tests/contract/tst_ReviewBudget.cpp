@@ -249,6 +249,21 @@ private Q_SLOTS:
         // Looking for it made no slot.
         QCOMPARE(engine().entryHash.size(), slots);
     }
+
+    void nothingIsNotedBehindAListThatBreaksOff()
+    {
+        openPackage("available", package("foo", "1.0-1", "x86_64"));
+        run("class OnceWhole(list):\n"
+            "    walks = 0\n"
+            "    def __iter__(self):\n"
+            "        self.walks += 1\n"
+            "        return list.__iter__(self) if self.walks == 1 else broken(())\n");
+        QCOMPARE(outcome("yumIOC.listTransaction(base(installed=OnceWhole(), "
+                         "updated=[member('foo')]))"),
+                 QString("ValueError"));
+        QCOMPARE(contract->row("foo")->applyAction, Package::ActionNone);
+        QCOMPARE(state().transactionActs, quint64(0));
+    }
 };
 
 QTEST_MAIN(TestReviewBudget)
