@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
-#include "engine/Python.h"
+#include "engine/ApplyState.h"
+#include "engine/Blocker.h"
+#include "engine/CollectState.h"
+#include "engine/EntryKey.h"
 #include "engine/Package.h"
+#include "engine/Python.h"
 #include "engine/TransactionGuard.h"
 #include "log/Log.h"
 
@@ -19,7 +23,6 @@
 #include <functional>
 #include <initializer_list>
 #include <memory>
-#include <vector>
 
 class HProgressBar;
 class QEventLoop;
@@ -47,25 +50,7 @@ class YumIO : public QObject, protected Python
     Q_OBJECT
 
 public:
-    /// What a row is found by: group or package, name, and for a package its `biArch`.
-    struct EntryKey {
-        EntryKey(bool group, const QString& name, const QString& arch)
-            : group(group)
-            , name(name)
-            , arch(arch)
-        {
-        }
-
-        bool operator==(const EntryKey& other) const
-        {
-            return group == other.group && name == other.name && arch == other.arch;
-        }
-
-        bool group;
-        QString name;
-        QString arch;
-    };
-
+    using EntryKey = ::EntryKey;
     using EntryHash = QHash<EntryKey, Package::Entry*>;
 
     /// What a step of a collection does.
@@ -78,22 +63,7 @@ public:
         ActRead = 5,
     };
 
-    /// One download of a batch. The number that it turns into is its only comparison and hash.
-    class ThreadId
-    {
-    public:
-        ThreadId() = default;
-        ThreadId(const QString& name, RepoAct act)
-            : name(name)
-            , act(act)
-        {
-        }
-        operator long() const { return static_cast<long>(qHash(name)) + act; }
-
-    private:
-        QString name;
-        RepoAct act = ActMirrorList;
-    };
+    using ThreadId = ::ThreadId;
 
     // ---- YumIO.cpp: life, work threads ----------------------------------------------------------
 
@@ -286,21 +256,9 @@ public Q_SLOTS:
     void blockerRelease();
 
 protected:
-    /// Start gate of a work thread: closed until the GUI thread's local event loop runs.
-    class Blocker
-    {
-    public:
-        void prepare() { mutex.lock(); }
-        void release() { mutex.unlock(); }
-        void block()
-        {
-            mutex.lock();
-            mutex.unlock();
-        }
-
-    private:
-        QMutex mutex;
-    };
+    using ApplyState = ::ApplyState;
+    using Blocker = ::Blocker;
+    using CollectState = ::CollectState;
 
     class CollectThread;
     class CollectFileListsThread;
@@ -630,48 +588,8 @@ protected:
     HProgressBar* itemBar = nullptr;
     Progress::Object* progress = nullptr; ///< set only while a work thread runs
 
-    /// Collection progress; touched only by the work thread.
-    struct CollectState {
-        QStringList repos;     ///< ids of the enabled repositories
-        QString contentsLabel; ///< the word for what ActContents fetches
-        int act = 0;           ///< the act number reached
-        int lastTotal = 0;
-        QString lastName;
-        bool multiActive = false;
-        bool multiStarted = false;
-        long long multiFiles = 0;
-        long long multiSize = 0;
-        unsigned int nextThread = 0;
-        QHash<void*, unsigned int> meterThreads;
-        std::vector<ThreadId> threadIds;
-        QHash<ThreadId, unsigned int> idThreads;
-    } collectState;
-
-    /// One Apply; touched only by the work thread.
-    struct ApplyState {
-        QString transactionText;        ///< the review or question that is being put together
-        bool transactionListed = false; ///< a review waits for the user
-        bool applyConfirmed = false;    ///< the user agreed; what apply() gives
-        quint32 progressAct = 0;        ///< the act number reached; may wrap
-        quint32 depPackages = 0;
-        quint32 depHeaders = 0;
-        quint32 depPassActs = 0;
-        quint32 depActs = 0;
-        quint64 downloadTotal = 0; ///< bytes of all packages that come
-        quint64 downloadLeft = 0;  ///< those of them that aren't in the cache
-        quint64 downloadSpan = 0;  ///< steps of the total that downloads get
-        quint64 transactionActs = 0;
-        qint64 lastTsCurrent = 0;
-        bool deltaRebuilt = false;
-        bool tsEventSeen = false;
-        struct {
-            bool multiActive = false;
-            qint64 multiFiles = 0;
-            qint64 multiSize = 0;
-            quint32 nextThread = 0;
-            QHash<void*, unsigned int> meterThreads;
-        } multi;
-    } applyState;
+    CollectState collectState;
+    ApplyState applyState;
     /// From the first sign of rpm's transaction to the end of the Apply.
     std::unique_ptr<TransactionGuard> transactionGuard;
 
@@ -687,5 +605,3 @@ private:
     std::unique_ptr<SearchTexts> searchTexts;  ///< GUI thread only; goes with the entries
     QSet<const Package::Entry*> groupsVisited; ///< groups whose sub-groups are being looked at
 };
-
-uint qHash(const YumIO::EntryKey& key);

@@ -1,11 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
-uint qHash(const YumIO::EntryKey& key)
-{
-    return (key.group ? 1U : 0U) + 2U * qHash(key.name) + 4U * qHash(key.arch);
-}
-
 int YumIO::count() const
 {
     return clearingEntries ? 0 : entries.size();
