@@ -10,7 +10,6 @@
 
 #include <QEventLoop>
 #include <QFile>
-#include <QScopedValueRollback>
 #include <QThread>
 #include <QTimer>
 
@@ -287,7 +286,7 @@ void YumIO::makeScriptObject()
 
 void YumIO::clear()
 {
-    if (working)
+    if (worker)
         return;
     if (yumIO) {
         PyGILStateWrapper lock(true);
@@ -308,7 +307,7 @@ void YumIO::clear()
 
 void YumIO::clearEntries()
 {
-    if (working)
+    if (worker)
         return;
     searchTexts.reset();
     // Set before the thread starts: the table sees no rows as soon as the local loop's events run.
@@ -369,7 +368,7 @@ void YumIO::dropEntries()
 
 bool YumIO::collect(const QHash<QString, bool>& usedRepos)
 {
-    if (!working) {
+    if (!worker) {
         searchTexts.reset();
         fileListsFailed = false;
         otherDataFailed = false;
@@ -386,7 +385,7 @@ bool YumIO::collectFileLists()
         return true;
     QEventLoop loop;
     CollectFileListsThread thread(this, loop);
-    const bool refused = working;
+    const bool refused = worker;
     execWorkThread(loop, thread);
     if (!refused)
         fileListsFailed = !thread.result;
@@ -399,7 +398,7 @@ bool YumIO::collectOtherData()
         return true;
     QEventLoop loop;
     CollectOtherDataThread thread(this, loop);
-    const bool refused = working;
+    const bool refused = worker;
     execWorkThread(loop, thread);
     if (!refused)
         otherDataFailed = !thread.result;
@@ -431,9 +430,9 @@ bool YumIO::apply()
 void YumIO::execWorkThread(QEventLoop& loop, QThread& thread)
 {
     // A window that is open meanwhile may ask for something that takes work too.
-    if (working)
+    if (worker)
         return;
-    const QScopedValueRollback<bool> workingHere(working, true);
+    worker = &thread;
     const Unattended::Work unattendable([this] { leaveUnattended(); });
     // The work function starts by passing the gate, so that it can't end the loop before the loop
     // runs.
@@ -452,12 +451,21 @@ void YumIO::execWorkThread(QEventLoop& loop, QThread& thread)
     thread.wait();
     // What the thread queued last, progress and log, is to be seen before the caller goes on.
     loop.processEvents(QEventLoop::ExcludeUserInputEvents);
+    // A script may speak of a transaction in any work, and only an Apply ends it itself.
+    transactionGuard.reset();
 
     if (Python::initialized) {
         PyGILStateWrapper lock(true);
         setEnablePythonSIGINTHandler(false);
     }
     pthread_sigmask(SIG_SETMASK, &saved, nullptr);
+    worker = nullptr;
+}
+
+bool YumIO::callsScript() const
+{
+    const QThread* running = QThread::currentThread();
+    return running == worker || running == thread();
 }
 
 void YumIO::blockerRelease()

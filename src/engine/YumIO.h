@@ -208,8 +208,10 @@ public:
     void writeStderr(const QString& text);
 
     // ---- YumIOC.cpp: called by the script through module yumIOC ---------------------------------
-    // On the thread that runs the script. Each takes the arguments tuple and gives a new reference,
-    // or null with TypeError set.
+    // Each takes the arguments tuple and gives a new reference, or null with TypeError set. But for
+    // the two streams' they may come on a thread only that callsScript().
+
+    bool callsScript() const;
 
     PyObject* stdoutWrite(PyObject* self, PyObject* args);
     PyObject* stderrWrite(PyObject* self, PyObject* args);
@@ -394,6 +396,8 @@ protected:
 
     // ---- YumIOTransaction.cpp: rpm's transaction ------------------------------------------------
 
+    /// From here on the system may be half changed.
+    void guardTransaction();
     void addActs(quint64 acts);
     /// The next item, up to the act number that has been reached.
     void startApplyItem(const QString& label, long long maximum);
@@ -590,7 +594,7 @@ protected:
 
     CollectState collectState;
     ApplyState applyState;
-    /// From the first sign of rpm's transaction to the end of the Apply.
+    /// From the first sign of rpm's transaction to the end of the work that it came in.
     std::unique_ptr<TransactionGuard> transactionGuard;
 
     struct sigaction oldSigchld {
@@ -598,7 +602,7 @@ protected:
     Blocker blocker;
 
 private:
-    bool working = false;                      ///< a work thread runs; GUI thread only
+    std::atomic<QThread*> worker{nullptr};     ///< the work thread that runs; set by the GUI thread
     QHash<QString, QString> biArchWords;       ///< answers of getBiArch
     QSet<QString> sharedWords;                 ///< repository ids and architectures of the rows
     quint32 nextSerial = 0;                    ///< of the packages

@@ -8,17 +8,34 @@ namespace
 
 YumIO* current = nullptr;
 
-template<PyObject* (YumIO::*Member)(PyObject*, PyObject*)>
-PyObject* call(PyObject* self, PyObject* args)
+using Function = PyObject* (YumIO::*)(PyObject*, PyObject*);
+
+/// A function that any thread of the script's may call.
+template<Function Member> PyObject* callAnywhere(PyObject* self, PyObject* args)
 {
     if (!current)
         Py_RETURN_NONE;
     return (current->*Member)(self, args);
 }
 
+/// One whose state has no lock and goes with the work that the script was called for.
+template<Function Member> PyObject* call(PyObject* self, PyObject* args)
+{
+    if (current && !current->callsScript()) {
+        PyErr_SetString(PyExc_RuntimeError, "yumIOC is for the thread that has called the script");
+        return nullptr;
+    }
+    return callAnywhere<Member>(self, args);
+}
+
 #define VOK_FUNCTION_NOARGS(name)                                                                  \
     {                                                                                              \
 #name, call < &YumIO::name>, METH_NOARGS, nullptr                                          \
+    }
+
+#define VOK_FUNCTION_ANYWHERE(name)                                                                \
+    {                                                                                              \
+#name, callAnywhere < &YumIO::name>, METH_VARARGS, nullptr                                 \
     }
 
 #define VOK_FUNCTION(name)                                                                         \
@@ -27,8 +44,8 @@ PyObject* call(PyObject* self, PyObject* args)
     }
 
 PyMethodDef functions[] = {
-    VOK_FUNCTION(stdoutWrite),
-    VOK_FUNCTION(stderrWrite),
+    VOK_FUNCTION_ANYWHERE(stdoutWrite),
+    VOK_FUNCTION_ANYWHERE(stderrWrite),
     VOK_FUNCTION(log),
     VOK_FUNCTION(errorlog),
     VOK_FUNCTION(collectProgress),
@@ -62,6 +79,7 @@ PyMethodDef functions[] = {
 };
 
 #undef VOK_FUNCTION
+#undef VOK_FUNCTION_ANYWHERE
 #undef VOK_FUNCTION_NOARGS
 
 PyModuleDef definition = {

@@ -80,6 +80,12 @@ quint64 YumIO::removeActs(const Package::Entry& old)
     return std::max(old.sizeBytes, leastActs);
 }
 
+void YumIO::guardTransaction()
+{
+    if (!transactionGuard)
+        transactionGuard = std::make_unique<TransactionGuard>();
+}
+
 void YumIO::addActs(quint64 acts)
 {
     applyState.progressAct = static_cast<quint32>(applyState.progressAct + acts);
@@ -115,10 +121,7 @@ PyObject* YumIO::tsInitCallback(PyObject*, PyObject* args)
     long run = 0;
     if (!PyArg_ParseTuple(args, "l", &run))
         return nullptr;
-    // From here to the end of the Apply the system may be half changed.
-    if (!transactionGuard)
-        transactionGuard = std::make_unique<TransactionGuard>();
-
+    guardTransaction();
     applyState.progressAct = 0;
     if (run != 0) {
         if (progress)
@@ -191,6 +194,8 @@ PyObject* YumIO::tsCallback(PyObject*, PyObject* args)
     PyObject* client = nullptr;
     if (!PyArg_ParseTuple(args, "lLLOO", &what, &amount, &total, &key, &client))
         return nullptr;
+    // A script may do without the announcement.
+    guardTransaction();
 
     if ((what & KnownCallbacks) == 0)
         warning(tr("Internal error: YumIO::tsCallback what=%1 not understood; ignoring").arg(what));
@@ -248,6 +253,7 @@ PyObject* YumIO::tsEvent(PyObject*, PyObject* args)
     if (!PyArg_ParseTuple(args, "OlLLll", &package, &action, &teCurrent, &teTotal, &tsCurrent,
                           &tsTotal))
         return nullptr;
+    guardTransaction();
 
     if (!applyState.tsEventSeen) {
         addActs(preparationActs());

@@ -124,6 +124,54 @@ private Q_SLOTS:
         QVERIFY(!PyErr_Occurred());
     }
 
+    void aCallOfAnotherThreadIsRefused_data()
+    {
+        QTest::addColumn<QString>("call");
+        QTest::addColumn<bool>("refused");
+        QTest::newRow("log") << "yumIOC.log(0, 'TSINFO: Updating x to 2')" << true;
+        QTest::newRow("question") << "yumIOC.userconfirm()" << true;
+        QTest::newRow("event") << "yumIOC.tsEvent('x', 40, 0, 1, 1, 1)" << true;
+        QTest::newRow("meter") << "yumIOC.applyGrabMultiMeterStart(2, 100)" << true;
+        QTest::newRow("output") << "yumIOC.stdoutWrite('said\\n')" << false;
+        QTest::newRow("errors") << "yumIOC.stderrWrite('said\\n')" << false;
+    }
+
+    void aCallOfAnotherThreadIsRefused()
+    {
+        QFETCH(QString, call);
+        QFETCH(bool, refused);
+        contract->play({{"apply", QString("outcome = []\n"
+                                          "def speak():\n"
+                                          "    try:\n"
+                                          "        outcome.append(%1)\n"
+                                          "    except RuntimeError:\n"
+                                          "        outcome.append('refused')\n"
+                                          "other = threading.Thread(target=speak)\n"
+                                          "other.start()\n"
+                                          "other.join()\n"
+                                          "sys.modules['__main__'].outcome = outcome\n")
+                                      .arg(call)}});
+        QVERIFY(!contract->apply());
+        QCOMPARE(contract->eval("str(outcome)"), QString(refused ? "['refused']" : "[None]"));
+        QCOMPARE(contract->logTexts().contains("said"), !refused);
+        QVERIFY(!contract->engine().transactionGuard);
+        QVERIFY(!contract->engine().applyState.multi.multiActive);
+    }
+
+    void aTransactionWithinACollectionIsGuardedToItsEndOnly()
+    {
+        bool guarded = false;
+        contract->play(
+            {{"meters", QJsonObject{{"setupRepos", QJsonArray{QJsonArray{"tsInitCallback", 1}}}}}});
+        contract->probe([&](const QString& method) {
+            if (method == "collectDone")
+                guarded = contract->engine().transactionGuard != nullptr;
+        });
+        QVERIFY(contract->collect());
+        QVERIFY(guarded);
+        QVERIFY2(!contract->engine().transactionGuard, "a signal can end the program again");
+    }
+
     void theEndWithoutAScriptObjectIsSilent()
     {
         contract->play({{"raise", QJsonObject{{"YumIO", QJsonObject{{"type", "SystemExit"}}}}}});

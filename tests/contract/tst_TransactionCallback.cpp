@@ -117,6 +117,27 @@ private Q_SLOTS:
         QVERIFY(after.sa_handler == before.sa_handler);
     }
 
+    void aTransactionThatIsNotAnnouncedIsGuardedToo_data()
+    {
+        QTest::addColumn<QString>("function");
+        QTest::addColumn<QString>("arguments");
+        QTest::newRow("rpm's callback") << "tsCallback"
+                                        << "4, 0, 0, None, None";
+        QTest::newRow("event") << "tsEvent"
+                               << "None, 70, 0, 0, 1, 1";
+    }
+
+    void aTransactionThatIsNotAnnouncedIsGuardedToo()
+    {
+        QFETCH(QString, function);
+        QFETCH(QString, arguments);
+        openTransaction();
+        QCOMPARE(call(function, "'x'"), QString("TypeError"));
+        QVERIFY(!engine().transactionGuard);
+        QCOMPARE(call(function, arguments), QString("None"));
+        QVERIFY(engine().transactionGuard);
+    }
+
     // ---- The bits
 
     void filesThatOpenAndCloseChangeNothing_data()
