@@ -418,6 +418,6 @@ def _choose_rpm_database():
 
     To be called after the process's first Conf(), which reads rpm's macro files anew.
     """
-    path = rpm.expandMacro('%{_dbpath}')
-    if path == os.path.join(os.path.expanduser('~'), '.rpmdb'):
+    # By its name: the home before it is written in more than one way.
+    if os.path.basename(rpm.expandMacro('%{_dbpath}')) == '.rpmdb':
         rpm.addMacro('_dbpath', RPM_DBPATH)
