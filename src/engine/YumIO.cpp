@@ -40,6 +40,24 @@ protected:
     QEventLoop& loop;
 };
 
+/// Whether the application has been told to quit: it has ended every event loop then, and none runs
+/// any more.
+bool applicationQuits()
+{
+    QEventLoop probe;
+    QTimer::singleShot(0, &probe, &QEventLoop::quit);
+    return probe.exec(QEventLoop::ExcludeUserInputEvents) < 0;
+}
+
+/// Delivers events until the thread has ended, where no event loop can.
+void serve(QEventLoop& loop, QThread& thread)
+{
+    // What ends the wait for an event is one more event.
+    QObject::connect(&thread, &QThread::finished, &loop, [] {});
+    while (!thread.isFinished())
+        loop.processEvents(QEventLoop::WaitForMoreEvents);
+}
+
 } // namespace
 
 class YumIO::CollectThread : public WorkThread
@@ -448,6 +466,10 @@ void YumIO::execWorkThread(QEventLoop& loop, QThread& thread)
 
     QTimer::singleShot(0, this, &YumIO::blockerRelease);
     loop.exec();
+    // The end of a session quits the application, but work goes on to its own end, and may have to
+    // ask this thread until then.
+    if (!thread.isFinished() && applicationQuits())
+        serve(loop, thread);
     thread.wait();
     // What the thread queued last, progress and log, is to be seen before the caller goes on.
     loop.processEvents(QEventLoop::ExcludeUserInputEvents);

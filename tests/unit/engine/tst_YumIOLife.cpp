@@ -5,11 +5,8 @@
 #include "kit/Application.h"
 #include "support/DialogDriver.h"
 
-#include <QDeadlineTimer>
-#include <QTimer>
 #include <QtTest>
 
-#include <atomic>
 #include <memory>
 
 #include <fcntl.h>
@@ -108,12 +105,6 @@ private Q_SLOTS:
     void clearingReleasesEveryObjectOfAChain();
     void tableIsEmptyWhileEntriesAreCleared();
     void quittingDropsEntriesSilently();
-    void shortWorkNeverEndsTheLoopTooEarly();
-    void workStartsWhenTheLoopRuns();
-    void workMayLockTheInterpreter();
-    void lastSignalsOfAThreadAreDelivered();
-    void childSignalIsBlockedWhileWorkRuns();
-    void interruptHandlerIsTheSystemsAfterWork();
     void loadedExtraDataIsNotLoadedAgain();
     void endUnlocksTheNewestObject();
     void endWithoutALockUnlocksNothing();
@@ -395,132 +386,6 @@ void TestYumIOLife::quittingDropsEntriesSilently()
     delete row(QStringLiteral("a"), object.get());
     delete row(QStringLiteral("b"), object.get());
     QCOMPARE(warned.end().count("extant python obj"), 1);
-}
-
-void TestYumIOLife::shortWorkNeverEndsTheLoopTooEarly()
-{
-    start();
-    for (int round = 0; round < 300; ++round)
-        engine->clearEntries();
-    QVERIFY(!engine->clearingEntries);
-}
-
-namespace
-{
-
-class Work : public QThread
-{
-public:
-    Work(EngineProbe& engine, QEventLoop& loop, std::function<void()> function)
-        : engine(engine)
-        , loop(loop)
-        , function(std::move(function))
-    {
-    }
-
-protected:
-    void run() override
-    {
-        engine.gate().block();
-        function();
-        loop.exit(0);
-    }
-
-private:
-    EngineProbe& engine;
-    QEventLoop& loop;
-    std::function<void()> function;
-};
-
-void runWork(EngineProbe& engine, std::function<void()> function)
-{
-    QEventLoop loop;
-    Work work(engine, loop, std::move(function));
-    engine.execWorkThread(loop, work);
-}
-
-} // namespace
-
-void TestYumIOLife::workStartsWhenTheLoopRuns()
-{
-    start();
-    bool looping = false;
-    QMetaObject::invokeMethod(
-        this, [&] { looping = true; }, Qt::QueuedConnection);
-    bool seen = false;
-    runWork(*engine, [&] { seen = looping; });
-    QVERIFY(seen);
-}
-
-void TestYumIOLife::workMayLockTheInterpreter()
-{
-    start();
-    long product = 0;
-    bool guiLocked = true;
-    QMetaObject::invokeMethod(
-        this, [&] { guiLocked = PyGILState_Check(); }, Qt::QueuedConnection);
-    runWork(*engine, [&] {
-        Python::PyGILStateWrapper lock(true);
-        product = number("6 * 7");
-    });
-    QCOMPARE(product, 42L);
-    QVERIFY(!guiLocked);
-    QVERIFY(PyGILState_Check());
-}
-
-void TestYumIOLife::lastSignalsOfAThreadAreDelivered()
-{
-    start();
-    std::atomic<int> sent{0};
-    std::atomic<int> delivered{0};
-    QEventLoop loop;
-    Work work(*engine, loop, [&] {
-        loop.exit(0);
-        // Goes on until one isn't delivered any more: the local loop has ended then.
-        do {
-            ++sent;
-            QMetaObject::invokeMethod(
-                this, [&] { ++delivered; }, Qt::QueuedConnection);
-            QDeadlineTimer patience(200);
-            while (delivered < sent && !patience.hasExpired())
-                QThread::yieldCurrentThread();
-        } while (delivered == sent);
-    });
-    engine->execWorkThread(loop, work);
-    QCOMPARE(delivered.load(), sent.load());
-}
-
-void TestYumIOLife::childSignalIsBlockedWhileWorkRuns()
-{
-    start();
-    const auto blocked = [] {
-        sigset_t mask;
-        pthread_sigmask(SIG_BLOCK, nullptr, &mask);
-        return sigismember(&mask, SIGCHLD) == 1;
-    };
-    QVERIFY(!blocked());
-    bool onGui = false;
-    bool onWork = true;
-    QMetaObject::invokeMethod(
-        this, [&] { onGui = blocked(); }, Qt::QueuedConnection);
-    runWork(*engine, [&] { onWork = blocked(); });
-    QVERIFY(onGui);
-    QVERIFY(!onWork);
-    QVERIFY(!blocked());
-}
-
-void TestYumIOLife::interruptHandlerIsTheSystemsAfterWork()
-{
-    start();
-    const auto handler = [] {
-        struct sigaction action = {};
-        sigaction(SIGINT, nullptr, &action);
-        return action.sa_handler;
-    };
-    engine->py("signal.signal(signal.SIGINT, lambda *x: None)");
-    QVERIFY(handler() != SIG_DFL);
-    runWork(*engine, [] {});
-    QVERIFY(handler() == SIG_DFL);
 }
 
 void TestYumIOLife::loadedExtraDataIsNotLoadedAgain()
