@@ -27,7 +27,7 @@ struct Shared {
     std::function<void()> leave; ///< set while work runs
     bool held = false;
     std::thread::id holder;
-    bool leaving = false;
+    std::thread::id leaver;       ///< the thread that has called `leave`
     QThread* successor = nullptr; ///< of the GUI thread; never ends
     QHash<QObject*, std::function<void()>> served;
 };
@@ -93,15 +93,19 @@ extern "C" void beforeExit()
         const Python::UnlockedWait unlocked;
         lock.lock();
         all.released.wait(lock, [&] { return !all.held; });
-        if (std::exchange(all.leaving, true)) {
+        if (all.leaver == std::thread::id()) {
+            all.leaver = std::this_thread::get_id();
+            lock.unlock();
+            leave();
+        } else if (all.leaver != std::this_thread::get_id()) {
             lock.unlock();
             waitForEver();
         }
-        lock.unlock();
-        leave();
+        // Even where `leave` has come to an exit() of its own.
         _exit(1);
     }
-    if (!std::exchange(all.leaving, true)) {
+    if (all.leaver == std::thread::id()) {
+        all.leaver = std::this_thread::get_id();
         lock.unlock();
         Unattended::tell("ended within the transaction; the system may be half changed");
         leave();

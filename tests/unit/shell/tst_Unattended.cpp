@@ -24,6 +24,9 @@ const QString transaction = QStringLiteral("import os, ctypes\n"
                                            "open('%1/began', 'w').close()\n"
                                            "if '%2' == 'work':\n"
                                            "    ctypes.CDLL(None).exit(0)\n"
+                                           "if '%2' == 'leaving':\n"
+                                           "    YumIO.unlock = lambda self: "
+                                           "ctypes.CDLL(None).exit(0)\n"
                                            "yumIOC.tsCallback(256, 0, 1, 'first', None)\n"
                                            "yumIOC.tsCallback(256, 0, 1, 'second', None)\n"
                                            "os.write(1, b'x' * 99 + b'\\n')\n"
@@ -60,6 +63,14 @@ private Q_SLOTS:
         QCOMPARE(run(place.path(), "gui", said), 1);
         QVERIFY2(QFile::exists(place.filePath("done")), qPrintable(said));
         QVERIFY2(said.contains("UNINST of second"), qPrintable(said));
+    }
+
+    void exitWithinTheEndIsTheEnd()
+    {
+        const QTemporaryDir place;
+        QString said;
+        QCOMPARE(run(place.path(), "leaving", said), 1);
+        QVERIFY2(QFile::exists(place.filePath("done")), qPrintable(said));
     }
 
     void exitOfRpmItselfEndsTheProgramWithAWord()
