@@ -50,6 +50,7 @@ RECIPE = replace(
 def make_many(place: Path, kept: Path) -> None:
     """Fills a repository with packages that one spec file makes in one go; from `kept` where it can."""
     if not kept.is_dir():
+        kept.parent.mkdir(parents=True, exist_ok=True)
         with tempfile.TemporaryDirectory(dir=kept.parent) as scratch:
             lines = ["Name: many", "Version: 1.0", "Release: 1", "Summary: Many", "License: MIT", "BuildArch: noarch",
                      "AutoReqProv: no", "%description", "Many", ""]
