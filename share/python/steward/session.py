@@ -194,6 +194,10 @@ class Session:
         """The marked changes as one transaction, which the user sees and confirms before."""
         self._applying = True
         self._sack()
+        if not system.is_superuser():
+            raise YumBaseError('The packages of a system can only be changed with superuser '
+                               'privileges (under the root user on most systems).\n'
+                               'Nothing has changed.')
         execution.refuse_foreign_lock()
         plan = transaction.Plan(self.system, transaction.Marks(installs, updates, removes))
         try:

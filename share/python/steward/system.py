@@ -18,6 +18,8 @@ import dnf.const
 import dnf.exceptions
 import dnf.lock
 import dnf.rpm
+import dnf.util
+import dnf.yum.misc
 import hawkey
 import libdnf.conf
 import libdnf.error
@@ -53,6 +55,11 @@ def config_path():
     """The main configuration file, by the rule that the program uses."""
     path = below_root('/etc/yum/yum.conf')
     return path if os.path.exists(path) else below_root('/etc/yum.conf')
+
+
+def is_superuser():
+    """Whether this process may change packages, of whatever system: rpm asks for root's rights."""
+    return dnf.util.am_i_root()
 
 
 class Base(dnf.Base):
@@ -181,11 +188,18 @@ class System:
         return below_root(libdnf.conf.ConfigParser.substitute(path, conf.substitutions))
 
     def _prepare_directories(self):
-        for path in (self.conf.cachedir, self.conf.persistdir, self.conf.logdir):
+        for option in ('cachedir', 'persistdir', 'logdir'):
+            path = self.conf._get_value(option)
             try:
                 os.makedirs(path, exist_ok=True)
+                usable = os.access(path, os.W_OK)
             except OSError as exc:
-                self._failed('%s: %s' % (path, exc.strerror))
+                usable = False
+                if is_superuser():
+                    self._failed('%s: %s' % (path, exc.strerror))
+            # An ordinary user looks at the system with the library's cache for ordinary users.
+            if not usable and not is_superuser() and option != 'persistdir':
+                self.conf._set_value(option, dnf.yum.misc.getCacheDir(), dnf.conf.PRIO_RUNTIME)
 
     def _failed(self, text):
         LOGGER.critical('%s', text)
