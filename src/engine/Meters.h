@@ -5,9 +5,16 @@
 
 #include <QString>
 
-/// What the meters of a collection and those of an Apply have in common.
+/// What the meters of a collection and those of an Apply have in common, and what an Apply's budget
+/// and its meters must agree on.
 namespace Meters
 {
+
+/// Acts that the fetch of one header counts for in the stretch of the dependency check.
+constexpr Steps headerActs = 10;
+
+/// What a package counts for at least where packages come one after the other.
+constexpr Steps leastDownload = 10240;
 
 /// The bars count upward only.
 inline Steps steps(long long value)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
+#include "engine/Meters.h"
 #include "engine/YumIOCapturers.h"
 #include "engine/YumIODialogs.h"
 #include "progress/Progress.h"
@@ -51,7 +52,7 @@ bool YumIO::applyReal()
     // A pass over the transaction takes an act a package, and a header is worth ten of them.
     applyState.depPassActs = applyState.depPackages;
     applyState.depActs = applyState.depPackages;
-    progress->setupItemActs(9900, Steps(applyState.depHeaders) * 10 + applyState.depActs);
+    progress->setupItemActs(9900, applyState.depHeaders * Meters::headerActs + applyState.depActs);
 
     if (!reapChildren()) {
         progress->reset();

@@ -14,12 +14,6 @@ using Meters::steps;
 namespace
 {
 
-/// A header counts for as much in the stretch of the dependency check.
-constexpr quint64 headerActs = 10;
-
-/// What a file counts for at least where files come one after another.
-constexpr long long leastFileActs = 10240;
-
 /// What a person wants to read of a path or URL.
 QString shortName(const QString& name)
 {
@@ -34,9 +28,9 @@ QString shortName(const QString& name)
 void YumIO::addDownloadActs(long long bytes)
 {
     if (!applyState.applyConfirmed)
-        addActs(headerActs);
+        addActs(Meters::headerActs);
     else
-        addActs(steps(hasMultiProgress() ? bytes : std::max(bytes, leastFileActs)));
+        addActs(hasMultiProgress() ? steps(bytes) : std::max(steps(bytes), Meters::leastDownload));
 }
 
 bool YumIO::applySlot(void* meter, unsigned int& slot)

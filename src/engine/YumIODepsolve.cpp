@@ -1,15 +1,13 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
+#include "engine/Meters.h"
 #include "progress/Progress.h"
 
 #include <QFile>
 
 namespace
 {
-
-/// Acts that the fetch of one header counts for; a package counts for one in each pass.
-constexpr Steps headerActs = 10;
 
 /// From 3.2.9 on the package manager names packages in full in these lines.
 constexpr long lastVersionWithPlainNames = 30208;
@@ -46,7 +44,7 @@ void YumIO::changeDepActs()
 {
     // The script may log at a time when nobody watches.
     if (progress)
-        progress->changeItemActs(applyState.depHeaders * headerActs + applyState.depActs);
+        progress->changeItemActs(applyState.depHeaders * Meters::headerActs + applyState.depActs);
 }
 
 void YumIO::dsTsInfo(const QString& text)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/YumIO.h"
 
+#include "engine/Meters.h"
 #include "engine/PyText.h"
 #include "engine/YumIODialogs.h"
 #include "progress/Progress.h"
@@ -19,9 +20,6 @@ constexpr Steps deltaSteps = 2000;       ///< rebuild of packages from deltas
 constexpr Steps testSteps = 2000;        ///< preparing the test, and the test
 constexpr Steps transactionSteps = 9100; ///< preparing, preparing to run, and the run
 constexpr Steps preparingSteps = 100;    ///< the first of these
-
-/// What a package counts for at least where packages come one after the other.
-constexpr quint64 leastDownload = 10240;
 
 /// Up to 2.3.1 an obsoleted package is related to the other's tuple itself.
 constexpr long lastVersionWithRelatedTuples = 20301;
@@ -210,7 +208,7 @@ void YumIO::noteTransactionPkgs(Package::Action action, PyObject* members)
 void YumIO::noteArrival(const Package::Entry& entry, bool update)
 {
     const quint64 bytes =
-        hasMultiProgress() ? entry.sizeBytes : std::max(entry.sizeBytes, leastDownload);
+        hasMultiProgress() ? entry.sizeBytes : std::max(entry.sizeBytes, Meters::leastDownload);
     applyState.downloadTotal += bytes;
     if (!QFile::exists(getLocalPkg(entry.pyObject)))
         applyState.downloadLeft += bytes;
