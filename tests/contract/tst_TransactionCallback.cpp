@@ -117,6 +117,21 @@ private Q_SLOTS:
         QVERIFY(after.sa_handler == before.sa_handler);
     }
 
+    void aSignalThatIsIgnoredStaysIgnored()
+    {
+        openTransaction();
+        const auto before = std::signal(SIGHUP, SIG_IGN);
+        call("tsInitCallback", "1");
+        struct sigaction during = {};
+        sigaction(SIGHUP, nullptr, &during);
+        engine().transactionGuard.reset();
+        struct sigaction after = {};
+        sigaction(SIGHUP, nullptr, &after);
+        std::signal(SIGHUP, before);
+        QVERIFY2(during.sa_handler == SIG_IGN, "programs under nohup have nothing to fear");
+        QVERIFY(after.sa_handler == SIG_IGN);
+    }
+
     void aTransactionThatIsNotAnnouncedIsGuardedToo_data()
     {
         QTest::addColumn<QString>("function");
