@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "repo/PasswdLineEdit.h"
+#include "kit/Fonts.h"
+#include "repo/PasswdInput.h"
+
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+
+PasswdLineEdit::PasswdLineEdit(const QRegularExpression& regExp, QWidget* parent)
+    : QLineEdit(parent)
+    , regExp(QRegularExpression::anchoredPattern(regExp.pattern()),
+             regExp.patternOptions() | QRegularExpression::DotMatchesEverythingOption)
+    , real(new QLineEdit(parent))
+{
+    setFont(Fonts::makeFixed(font()));
+    connect(real, &QLineEdit::textChanged, this, &PasswdLineEdit::textChanged);
+    // Changes from elsewhere than events: a slot of the base class, an assistive tool.
+    connect(this, &QLineEdit::textChanged, this, [this] {
+        if (handling == 0 && !masking)
+            settle();
+    });
+    real->setFont(font());
+    real->setGeometry(geometry());
+    setAcceptDrops(false);
+    setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+}
+
+PasswdLineEdit::~PasswdLineEdit()
+{
+    delete real;
+}
+
+void PasswdLineEdit::setRealText(const QString& text)
+{
+    real->setText(text);
+}
+
+QString PasswdLineEdit::realText() const
+{
+    return real->text();
+}
+
+bool PasswdLineEdit::event(QEvent* event)
+{
+    // The base class's constructor and destructor send events too.
+    if (!real)
+        return QLineEdit::event(event);
+
+    const QEvent::Type type = event->type();
+    const bool key = type == QEvent::KeyPress && isEnabled() && !isReadOnly();
+    if (key)
+        alignTwin();
+    ++handling;
+    const bool result = baseEvent(event);
+    if (!real)
+        return result;
+
+    // A key that only moves the cursor, or copies, is none of the twin's business: its own copy
+    // would be of the real text.
+    const auto* keyEvent = key ? static_cast<QKeyEvent*>(event) : nullptr;
+    if (type == QEvent::KeyRelease || type == QEvent::Move || type == QEvent::Resize ||
+        (keyEvent && (PasswdInput::isTyped(keyEvent) || PasswdInput::isOfHistory(keyEvent) ||
+                      (text() != shown && !PasswdInput::isForTheVisible(keyEvent))))) {
+        const bool accepted = event->isAccepted();
+        static_cast<QObject*>(real)->event(event);
+        event->setAccepted(accepted);
+    }
+    --handling;
+    if (handling == 0)
+        settle();
+    return result;
+}
+
+/// Lets the base class react to the event as to one with no secret in it.
+bool PasswdLineEdit::baseEvent(QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (!PasswdInput::isTyped(key))
+            return QLineEdit::event(event);
+        QKeyEvent hidden(QEvent::KeyPress, key->key(), key->modifiers(), key->nativeScanCode(),
+                         key->nativeVirtualKey(), key->nativeModifiers(),
+                         maskedInsertion(key->text(), key->text().size()), key->isAutoRepeat(),
+                         static_cast<ushort>(key->count()));
+        hidden.setTimestamp(key->timestamp());
+        const bool result = QLineEdit::event(&hidden);
+        event->setAccepted(hidden.isAccepted());
+        return result;
+    }
+    if (event->type() == QEvent::InputMethod) {
+        const auto* input = static_cast<QInputMethodEvent*>(event);
+        QInputMethodEvent hidden(maskedInsertion(input->commitString() + input->preeditString(),
+                                                 input->preeditString().size()),
+                                 input->attributes());
+        hidden.setCommitString(input->commitString(), input->replacementStart(),
+                               input->replacementLength());
+        const bool result = QLineEdit::event(&hidden);
+        event->setAccepted(hidden.isAccepted());
+        return result;
+    }
+    return QLineEdit::event(event);
+}
+
+void PasswdLineEdit::contextMenuEvent(QContextMenuEvent*) {}
+
+void PasswdLineEdit::resizeEvent(QResizeEvent* event)
+{
+    QLineEdit::resizeEvent(event);
+    real->setGeometry(geometry());
+}
+
+void PasswdLineEdit::textChanged(const QString& text)
+{
+    const QString before = QLineEdit::text();
+    shown = masked(text);
+    const int cursor = real->cursorPosition();
+    // This also empties the visible widget's own history.
+    masking = true;
+    setText(shown);
+    masking = false;
+    setCursorPosition(cursor);
+    real->setCursorPosition(cursor);
+    // Whoever listens to the base class's signal may have asked for the real text too early.
+    if (shown == before)
+        Q_EMIT QLineEdit::textChanged(shown);
+    Q_EMIT realTextChanged(real->text());
+}
+
+QString PasswdLineEdit::masked(const QString& text) const
+{
+    QString result = text;
+    const QRegularExpressionMatch match = regExp.match(text);
+    if (match.hasMatch())
+        PasswdInput::mask(result, match, this);
+    return result;
+}
+
+/// How the last `length` characters of `text` will show when it has replaced the selection.
+QString PasswdLineEdit::maskedInsertion(const QString& text, int length) const
+{
+    const int start = hasSelectedText() ? selectionStart() : cursorPosition();
+    QString all = real->text();
+    all.replace(start, selectedText().size(), text);
+    return masked(all).mid(start + text.size() - length, length);
+}
+
+/// Gives the twin the cursor and the selection that the user sees. Where they would be in the twin
+/// by itself depends on how far it is scrolled and on where words end in what is masked here.
+void PasswdLineEdit::alignTwin()
+{
+    if (!hasSelectedText()) {
+        real->setCursorPosition(cursorPosition());
+        return;
+    }
+    const int start = selectionStart();
+    const int length = selectedText().size();
+    if (cursorPosition() == start)
+        real->setSelection(start + length, -length);
+    else
+        real->setSelection(start, length);
+}
+
+/// Brings the two widgets together again: what changed here and not in the twin is made up for
+/// there.
+void PasswdLineEdit::settle()
+{
+    const QString now = text();
+    if (now == shown) {
+        alignTwin();
+        return;
+    }
+    const PasswdInput::Change change = PasswdInput::change(shown, now, cursorPosition());
+    real->setSelection(change.position, change.removed);
+    real->insert(change.inserted);
+    // The twin may have had no room for it.
+    if (text() != shown)
+        textChanged(real->text());
+}

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "repo/PasswdTextEdit.h"
+#include "kit/Fonts.h"
+#include "repo/PasswdInput.h"
+
+#include <QInputMethodEvent>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QTextCursor>
+
+namespace
+{
+
+void select(QTextEdit* edit, int anchor, int position)
+{
+    QTextCursor cursor(edit->document());
+    cursor.setPosition(anchor);
+    cursor.setPosition(position, QTextCursor::KeepAnchor);
+    edit->setTextCursor(cursor);
+}
+
+} // namespace
+
+PasswdTextEdit::PasswdTextEdit(const QRegularExpression& regExp, QWidget* parent)
+    : HTextEdit(parent)
+    , regExp(regExp)
+    , real(new HTextEdit(parent))
+{
+    init();
+}
+
+PasswdTextEdit::PasswdTextEdit(const QRegularExpression& regExp, int columns, int rows,
+                               QWidget* parent)
+    : HTextEdit(columns, rows, parent)
+    , regExp(regExp)
+    , real(new HTextEdit(columns, rows, parent))
+{
+    init();
+}
+
+PasswdTextEdit::~PasswdTextEdit()
+{
+    delete real;
+}
+
+void PasswdTextEdit::init()
+{
+    setWordWrapMode(QTextOption::WrapAnywhere);
+    setFont(Fonts::makeFixed(font()));
+    setCurrentFont(font());
+    connect(real, &QTextEdit::textChanged, this, &PasswdTextEdit::textChanged);
+    // Changes from elsewhere than events: a slot of the base class, an assistive tool, the end of
+    // a drag.
+    connect(this, &QTextEdit::textChanged, this, [this] {
+        if (handling == 0 && !masking)
+            settle();
+    });
+    real->setFont(font());
+    real->setGeometry(geometry());
+    setAcceptDrops(false);
+    // What is kept is text; the formats of what is pasted would last until the next change only.
+    setAcceptRichText(false);
+    real->setAcceptRichText(false);
+    // The history is the twin's.
+    setUndoRedoEnabled(false);
+    setInputMethodHints(inputMethodHints() | Qt::ImhSensitiveData | Qt::ImhNoPredictiveText |
+                        Qt::ImhNoAutoUppercase);
+}
+
+void PasswdTextEdit::setRealPlainText(const QString& text)
+{
+    real->setPlainText(text);
+}
+
+QString PasswdTextEdit::realPlainText() const
+{
+    return real->toPlainText();
+}
+
+bool PasswdTextEdit::event(QEvent* event)
+{
+    // The base class's constructor and destructor send events too.
+    if (!real)
+        return HTextEdit::event(event);
+
+    const QEvent::Type type = event->type();
+    const bool key = type == QEvent::KeyPress && isEnabled() && !isReadOnly();
+    if (key)
+        alignTwin();
+    ++handling;
+    const bool result = baseEvent(event);
+    if (!real)
+        return result;
+
+    // A key that only moves the cursor, or copies, is none of the twin's business: its own copy
+    // would be of the real text.
+    const auto* keyEvent = key ? static_cast<QKeyEvent*>(event) : nullptr;
+    if (type == QEvent::KeyRelease || type == QEvent::Move || type == QEvent::Resize ||
+        (keyEvent && (PasswdInput::isTyped(keyEvent) || PasswdInput::isOfHistory(keyEvent) ||
+                      (toPlainText() != shown && !PasswdInput::isForTheVisible(keyEvent)))))
+        forward(event);
+    --handling;
+    if (handling == 0 && !masking)
+        settle();
+    return result;
+}
+
+/// The mouse: what it selects is passed on to the twin, which is scrolled and wrapped otherwise.
+bool PasswdTextEdit::viewportEvent(QEvent* event)
+{
+    if (!real)
+        return HTextEdit::viewportEvent(event);
+    ++handling;
+    const bool result = HTextEdit::viewportEvent(event);
+    --handling;
+    if (real && handling == 0 && !masking)
+        settle();
+    return result;
+}
+
+/// Gives the twin an event that the visible widget has dealt with.
+void PasswdTextEdit::forward(QEvent* event)
+{
+    const bool accepted = event->isAccepted();
+    followed = false;
+    static_cast<QObject*>(real)->event(event);
+    event->setAccepted(accepted);
+    // An undo moves the cursor only after it has told of the text.
+    if (followed)
+        select(this, real->textCursor().anchor(), real->textCursor().position());
+}
+
+/// Lets the base class react to the event as to one with no secret in it.
+bool PasswdTextEdit::baseEvent(QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (!PasswdInput::isTyped(key))
+            return HTextEdit::event(event);
+        QKeyEvent hidden(QEvent::KeyPress, key->key(), key->modifiers(), key->nativeScanCode(),
+                         key->nativeVirtualKey(), key->nativeModifiers(),
+                         maskedInsertion(key->text(), key->text().size()), key->isAutoRepeat(),
+                         static_cast<ushort>(key->count()));
+        hidden.setTimestamp(key->timestamp());
+        const bool result = HTextEdit::event(&hidden);
+        event->setAccepted(hidden.isAccepted());
+        return result;
+    }
+    if (event->type() == QEvent::InputMethod) {
+        const auto* input = static_cast<QInputMethodEvent*>(event);
+        const QString preedit = input->preeditString();
+        QInputMethodEvent hidden(maskedInsertion(input->commitString() + preedit, preedit.size()),
+                                 input->attributes());
+        hidden.setCommitString(input->commitString(), input->replacementStart(),
+                               input->replacementLength());
+        const bool result = HTextEdit::event(&hidden);
+        event->setAccepted(hidden.isAccepted());
+        return result;
+    }
+    return HTextEdit::event(event);
+}
+
+void PasswdTextEdit::contextMenuEvent(QContextMenuEvent*) {}
+
+void PasswdTextEdit::resizeEvent(QResizeEvent* event)
+{
+    HTextEdit::resizeEvent(event);
+    if (real)
+        real->setGeometry(geometry());
+}
+
+void PasswdTextEdit::textChanged()
+{
+    shown = masked(real->toPlainText());
+    const int cursor = real->textCursor().position();
+    const int scrolled = verticalScrollBar()->value();
+    masking = true;
+    setPlainText(shown);
+    masking = false;
+    select(this, cursor, cursor);
+    // A new text shows from its start.
+    verticalScrollBar()->setValue(scrolled);
+    ensureCursorVisible();
+    followed = true;
+    Q_EMIT realTextChanged();
+}
+
+QString PasswdTextEdit::masked(QString text) const
+{
+    for (int from = 0; from <= text.size();) {
+        const QRegularExpressionMatch match = regExp.match(text, from);
+        if (!match.hasMatch())
+            break;
+        from = match.capturedEnd() + (match.capturedLength() == 0 ? 1 : 0);
+        PasswdInput::mask(text, match, this);
+    }
+    return text;
+}
+
+/// How the last `length` characters of `text` will show when it has replaced the selection.
+QString PasswdTextEdit::maskedInsertion(const QString& text, int length) const
+{
+    const QTextCursor cursor = textCursor();
+    const int start = cursor.selectionStart();
+    QString all = real->toPlainText();
+    all.replace(start, cursor.selectionEnd() - start, text);
+    return masked(all).mid(start + text.size() - length, length);
+}
+
+/// Gives the twin the cursor and the selection that the user sees.
+void PasswdTextEdit::alignTwin()
+{
+    const QTextCursor here = textCursor();
+    const QTextCursor there = real->textCursor();
+    if (here.anchor() != there.anchor() || here.position() != there.position())
+        select(real, here.anchor(), here.position());
+}
+
+/// Brings the two widgets together again: what changed here and not in the twin is made up for
+/// there.
+void PasswdTextEdit::settle()
+{
+    const QString now = toPlainText();
+    if (now == shown) {
+        alignTwin();
+        return;
+    }
+    const int position = textCursor().position();
+    const PasswdInput::Change change = PasswdInput::change(shown, now, position);
+    QTextCursor edit(real->document());
+    edit.setPosition(change.position);
+    edit.setPosition(change.position + change.removed, QTextCursor::KeepAnchor);
+    edit.insertText(change.inserted);
+    select(this, position, position);
+    alignTwin();
+}
