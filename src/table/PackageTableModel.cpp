@@ -4,9 +4,8 @@
 #include "engine/YumIO.h"
 #include "kit/Colors.h"
 #include "kit/Share.h"
-#include "kit/TextDialog.h"
 #include "repo/RepoBrowse.h"
-#include "table/PackageTableDescription.h"
+#include "table/PackageTableDescribeDialog.h"
 
 namespace PackageTable
 {
@@ -415,12 +414,9 @@ void Model::describe(const QModelIndex& index, QWidget* parent)
 {
     if (!isRow(index))
         return;
-
-    const Package::Entry& entry = *(*yumIO)[index.row()];
     if (!description)
-        description = new TextDialog(parent);
-    description->setWindowTitle(tr("VOK - %1").arg(entry.name));
-    description->setText(PackageTable::description(*yumIO, entry));
+        description = new Describe::Dialog(parent);
+    description->config(yumIO, *(*yumIO)[index.row()], yumConfIO);
     description->exec();
 }
 

@@ -10,12 +10,16 @@
 #include <QPointer>
 
 class QWidget;
-class TextDialog;
 class YumConfIO;
 class YumIO;
 
 namespace PackageTable
 {
+
+namespace Describe
+{
+class Dialog;
+}
 
 /// The engine's entries as a flat table: row r is the engine's entry r, nothing is stored here.
 /// Every index given to it is one of its own, never a proxy's.
@@ -83,7 +87,7 @@ private:
 
     YumIO* yumIO;
     YumConfIO* yumConfIO = nullptr;
-    QPointer<TextDialog> description; ///< made at the first describe(); goes with its parent
+    QPointer<Describe::Dialog> description; ///< made at the first describe(); goes with its parent
     bool enabled = true;
     QIcon updateIcon, installIcon, removeIcon, noneIcon;
     QIcon outOfDateIcon, upToDateIcon;

@@ -410,13 +410,13 @@ void TestPackageTableModel::describesARowInADialogThatIsKept()
     QWidget* first = nullptr;
     QWidget* second = nullptr;
     DialogDriver driver;
-    driver.expect("VOK - updatable")
-        .textContains("Available for update")
+    driver.expect("VOK Package Description")
+        .text("Available for update")
         .act([&](QWidget* window) { first = window; })
         .press("Close");
     model->describe(cell(0, ColumnName), &parent);
-    driver.expect("VOK - installable")
-        .textContains("Available for installation")
+    driver.expect("VOK Package Description")
+        .text("Available for installation")
         .act([&](QWidget* window) { second = window; })
         .press("Close");
     model->describe(cell(1, ColumnName), nullptr);
@@ -432,11 +432,11 @@ void TestPackageTableModel::describesAgainAfterTheFirstParentWasDestroyed()
     DialogDriver driver;
     {
         QWidget parent;
-        driver.expect("VOK - updatable").press("Close");
+        driver.expect("VOK Package Description").press("Close");
         model->describe(cell(0, ColumnName), &parent);
     }
     QWidget parent;
-    driver.expect("VOK - updatable").press("Close");
+    driver.expect("VOK Package Description").press("Close");
     model->describe(cell(0, ColumnName), &parent);
     QVERIFY(driver.waitUntilDone());
 }

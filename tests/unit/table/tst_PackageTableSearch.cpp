@@ -2,7 +2,6 @@
 #include "TableEngine.h"
 
 #include "progress/HProgressBar.h"
-#include "table/PackageTableDescription.h"
 #include "table/PackageTableModel.h"
 #include "table/PackageTableSortFilterProxyModel.h"
 
@@ -134,11 +133,6 @@ private Q_SLOTS:
     void preparedTextsDoNotMatchAcrossFields();
     void preparedTextsGiveTheSameVerdicts();
     void aFailedLoadIsNotTriedForEachRow();
-
-    void describesAllFieldsOfAPackage();
-    void describesExtraDataOnlyIfItIsAtHand();
-    void describesAGroup();
-    void describesFurtherVersions();
 
 private:
     QStringList listed() const
@@ -373,60 +367,6 @@ void TestPackageTableSearch::aFailedLoadIsNotTriedForEachRow()
     QCOMPARE(found("^(Needle)?$").size(), 3);
     engine->setExtraDataCollected(true);
     QCOMPARE(found("Needle").size(), 3);
-}
-
-void TestPackageTableSearch::describesAllFieldsOfAPackage()
-{
-    QString fields;
-    for (const QString& field : packageFields)
-        fields += QString("%1='the %1',").arg(field);
-    Entry* entry = engine->addPackage("bash", qPrintable("FakePackage(" + fields + ")"));
-    entry->summary = "A shell";
-    const QString text = description(*engine, *entry);
-    QVERIFY(text.startsWith("bash\n\nAvailable for installation\n"));
-    for (const char* part :
-         {"Kind: Ordinary package\n", "Version: 1.0-1\n", "Repository: base\n",
-          "Architecture: x86_64\n", "Summary: A shell\n", "Vendor: the vendor\n",
-          "License: the license\n", "\nDescription:\nthe description\n",
-          "\nRequires:\nthe requires\n", "\nFiles:\nfiles\nthe\n", "the changelog\n"})
-        QVERIFY2(text.contains(part), part);
-    // What has no value has no line.
-    QVERIFY(!text.contains("Install Time"));
-}
-
-void TestPackageTableSearch::describesExtraDataOnlyIfItIsAtHand()
-{
-    Entry* entry = engine->addPackage("bash", "FakePackage(files='/bin/bash', changelog='new')");
-    engine->setExtraDataCollected(false);
-    QString text = description(*engine, *entry);
-    QVERIFY(!text.contains("Files:"));
-    QVERIFY(!text.contains("Change Log:"));
-    engine->setExtraDataCollected(true);
-    text = description(*engine, *entry);
-    QVERIFY(text.contains("\nFiles:\n/bin/bash\n"));
-    QVERIFY(text.contains("\nChange Log:\n"));
-}
-
-void TestPackageTableSearch::describesAGroup()
-{
-    Entry* entry =
-        engine->addPackage("Editors", "FakeGroup(mandatory_packages=['vim', 'ed'])", KindGroup);
-    QCOMPARE(description(*engine, *entry),
-             QString("Editors\n\nAvailable for installation\nKind: Group of packages\n"
-                     "\nMandatory Packages:\ned\nvim\n"));
-}
-
-void TestPackageTableSearch::describesFurtherVersions()
-{
-    Entry* entry = engine->addPackage("kernel", "FakePackage()");
-    Entry* older = engine->addPackage("kernel", "FakePackage(packager='someone')");
-    older->state = StateInstalled;
-    older->verRel = "0.9-1";
-    entry->next = older;
-    const QString text = description(*engine, *entry);
-    entry->next = nullptr;
-    QVERIFY(text.contains("\nInstalled\nVersion: 0.9-1\n"));
-    QVERIFY(text.endsWith("Packager: someone\n"));
 }
 
 QTEST_MAIN(TestPackageTableSearch)

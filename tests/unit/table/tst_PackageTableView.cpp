@@ -533,7 +533,7 @@ void TestPackageTableView::theOtherMenuDescribesTheRowUnderThePointer()
 {
     (*engine)[a]->kind = static_cast<Kind>(3); // needs no interpreter
     DialogDriver dialog;
-    dialog.expect("VOK - a").press("Close");
+    dialog.expect("VOK Package Description").text("a").press("Close");
     MenuDriver driver("&Describe");
     rightClick(at(a, ColumnName));
     QVERIFY(dialog.waitUntilDone());
@@ -544,7 +544,7 @@ void TestPackageTableView::describesTheCurrentRow()
     (*engine)[b]->kind = static_cast<Kind>(3);
     click(b, ColumnName);
     DialogDriver dialog;
-    dialog.expect("VOK - b").press("Close");
+    dialog.expect("VOK Package Description").text("b").press("Close");
     view->describe();
     QVERIFY(dialog.waitUntilDone());
     view->setCurrentIndex(QModelIndex());
