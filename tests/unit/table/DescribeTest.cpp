@@ -101,12 +101,9 @@ void DescribeTest::click(QPushButton* button)
 
 void DescribeTest::describe(const QString& name)
 {
-    if (!model) {
+    if (!model)
         model = std::make_unique<PackageTable::Model>(&contract->engine());
-        if (!conf)
-            conf = std::make_unique<YumConfIO>(QList<YumRepoEnabled>(), used);
-        model->setYumConfIO(conf.get());
-    }
+    model->setYumConfIO(conf.get());
     for (int row = 0; row < model->rowCount(); ++row) {
         const QModelIndex index = model->index(row, PackageTable::ColumnName);
         if (index.data().toString() == name) {

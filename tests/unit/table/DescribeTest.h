@@ -36,7 +36,7 @@ protected:
     DialogDriver::Expectation& expectDescription(std::function<void(QWidget*)> act);
 
     QHash<QString, bool> used;
-    std::unique_ptr<YumConfIO> conf;
+    std::unique_ptr<YumConfIO> conf; ///< of the model; none by default
     std::unique_ptr<PackageTable::Model> model;
 
 protected Q_SLOTS:
