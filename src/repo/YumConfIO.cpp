@@ -76,9 +76,11 @@ bool YumConfIO::read(QWidget* parent)
     mainEnabled = true;
     mainGpgcheck = false;
     entries.clear();
+    oddNames.clear();
 
     {
         const QString path = QFile::decodeName(fileName());
+        stoppedAt = path;
         const FilePtr file(fopen(mainFile.constData(), "r"));
         if (!file) {
             error(tr("Unable to read yum configuration file %1").arg(path));
@@ -92,6 +94,7 @@ bool YumConfIO::read(QWidget* parent)
         if (!readRepoDir(directory))
             return false;
     }
+    stoppedAt.clear();
 
     Q_EMIT changed();
     return true;
@@ -114,6 +117,9 @@ bool YumConfIO::readRepoDir(const QString& directory)
 
         const QByteArray bytes = dirPath + '/' + item->d_name;
         const QString path = QFile::decodeName(bytes);
+        if (QFile::encodeName(path) != bytes)
+            oddNames.insert(path, bytes);
+        stoppedAt = path;
         struct stat info {
         };
         if (stat(bytes.constData(), &info) != 0) {

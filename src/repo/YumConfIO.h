@@ -6,6 +6,7 @@
 #include <QList>
 #include <QObject>
 #include <QRegExp>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 
@@ -43,8 +44,9 @@ struct YumRepoEnabled {
     QRegExp pattern; ///< matched against the whole repository id
 };
 
-/// The program's own reader of the package manager's configuration: the main file and the .repo
-/// files. GUI thread only; blocks it during file access. Failures are shown in a message box.
+/// The program's own reader and writer of the package manager's configuration: the main file and
+/// the .repo files. GUI thread only; blocks it during file access. Failures are shown in a message
+/// box.
 ///
 /// Bytes of a file and characters of a text are one to one: there is no codec, and toLatin1() gives
 /// back what was read.
@@ -59,6 +61,12 @@ public:
 
     /// Reads everything afresh. False after a report; `entries` then holds what was read so far.
     bool read(QWidget* parent);
+
+    /// Rewrites the main file and every file that holds an entry, in place, and removes the .repo
+    /// files that hold none. False where the user refused or after a report; `entries` is as it was
+    /// then, but files may have been rewritten already. Otherwise `entries` lacks what the user
+    /// agreed to drop, and each entry has the name of its file.
+    bool write(QWidget* parent);
 
     /// Path of the main file below the system root, found anew at each call; valid until the next
     /// call.
@@ -95,11 +103,39 @@ protected:
     /// Shows `text` with the number and the meaning of errno.
     void error(const QString& text);
 
+    /// The same for a number kept since; always false.
+    bool fail(int number, const QString& text);
+
+    /// Whether the entries can be written, with those dropped that the user agreed to lose.
+    bool checkErrors();
+    bool hasEmptyId() const;
+    /// The ids that occur more than once, one for each pair, separated by ", ".
+    QString getDuplicateId() const;
+    /// Gives each entry without one a file, and each file without one a directory.
+    void cleanupWrite(QList<Repo::Entry>& entries) const;
+    static bool filePositionLessThan(const Repo::Entry& a, const Repo::Entry& b);
+    static bool writeRepo(FILE* file, const Repo::Entry& entry);
+    /// Writes all files; `used` is then the names of all that hold an entry. False after a report.
+    bool writeFiles(QSet<QString>& used);
+    /// Replaces the content of one file by `text`. False after a report.
+    bool writeFile(const QString& path, const QByteArray& text);
+    /// Removes each .repo file that isn't one of `used`, under whatever name. False after a report,
+    /// at which it stops.
+    bool removeUnusedFiles(QSet<QString>& used);
+
     QString confText;           ///< head of the main file, verbatim
     QWidget* parent = nullptr;  ///< of message boxes; not owned
     QList<QString> unreadLines; ///< read ahead, to be read first
 
 private:
+    /// The bytes that name a file in the file system.
+    QByteArray pathBytes(const QString& path) const;
+
     QByteArray mainFile;  ///< what fileName() gave last
     QByteArray lineBytes; ///< the line being read; kept for its capacity
+    /// The file at which the last read() stopped; empty if it came to its end. What wasn't read
+    /// whole must not be rewritten or removed.
+    QString stoppedAt;
+    /// Names that don't come back from being decoded as they were.
+    QHash<QString, QByteArray> oddNames;
 };
