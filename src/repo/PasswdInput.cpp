@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "repo/PasswdInput.h"
 
+#include <QAccessibleWidget>
 #include <QKeyEvent>
 #include <QRegularExpressionMatch>
 #include <QStyle>
@@ -59,4 +60,10 @@ bool PasswdInput::isForTheVisible(const QKeyEvent* key)
         if (key->matches(standard))
             return true;
     return false;
+}
+
+void PasswdInput::hideFromAssistiveTools(QWidget* twin)
+{
+    // Kept, and deleted with the widget, by Qt.
+    QAccessible::registerAccessibleInterface(new QAccessibleWidget(twin, QAccessible::NoRole));
 }

@@ -38,4 +38,8 @@ bool isOfHistory(const QKeyEvent* key);
 /// isn't on the screen: put text into the clipboard, or remove words or lines as they are seen.
 bool isForTheVisible(const QKeyEvent* key);
 
+/// Makes a twin a widget without a text for assistive tools. They are told of every change of a
+/// text, even where it isn't on the screen.
+void hideFromAssistiveTools(QWidget* twin);
+
 } // namespace PasswdInput

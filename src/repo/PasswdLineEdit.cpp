@@ -21,6 +21,7 @@ PasswdLineEdit::PasswdLineEdit(const QRegularExpression& regExp, QWidget* parent
     });
     real->setFont(font());
     real->setGeometry(geometry());
+    PasswdInput::hideFromAssistiveTools(real);
     setAcceptDrops(false);
     setInputMethodHints(Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
 }

@@ -57,6 +57,7 @@ void PasswdTextEdit::init()
     });
     real->setFont(font());
     real->setGeometry(geometry());
+    PasswdInput::hideFromAssistiveTools(real);
     setAcceptDrops(false);
     // What is kept is text; the formats of what is pasted would last until the next change only.
     setAcceptRichText(false);
