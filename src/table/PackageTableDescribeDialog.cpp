@@ -3,6 +3,7 @@
 
 #include "engine/YumIO.h"
 #include "kit/HSeparator.h"
+#include "kit/ScreenLimit.h"
 #include "table/PackageTableDescribeInstanceArea.h"
 #include "table/PackageTableDescribeText.h"
 
@@ -60,6 +61,10 @@ void Dialog::config(YumIO* yumIO, const Package::Entry& entry, YumConfIO* conf)
     m_contents->setLayout(box);
     m_box->addWidget(m_contents);
     orderTabs();
+    // By itself a window gets no more than two thirds of the screen, which leaves next to nothing
+    // to the short sections.
+    layout()->activate();
+    resize(sizeHint().boundedTo(ScreenLimit::of(this)));
 }
 
 void Dialog::orderTabs()

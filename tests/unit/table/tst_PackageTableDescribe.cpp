@@ -495,6 +495,25 @@ private Q_SLOTS:
             QVERIFY2(time < 500, qPrintable(QString("took %1 ms").arg(time)));
     }
 
+    void eachShowingHasItsOwnSize()
+    {
+        const QJsonObject fields{{"description", lines("A line of the description ", 4)}};
+        contract->play({{"available", QJsonArray{Contract::package("long", {{"fields", fields}}),
+                                                 Contract::package("short")}}});
+        QVERIFY(contract->collect());
+        QList<int> spare;
+        for (const char* name : {"short", "long", "short"}) {
+            expectDescription([&](QWidget* dialog) {
+                const auto* area = dialog->findChild<HScrollArea*>();
+                spare += area->viewport()->height() - area->widget()->height();
+            });
+            describe(name);
+        }
+        QCOMPARE(spare[2], spare[0]);
+        QCOMPARE(spare[1], spare[0]);
+        QVERIFY(spare[0] >= 0);
+    }
+
     void manyVersionsFitTheScreen()
     {
         contract->play({{"installed", QJsonArray{installed("k", "1-1"), installed("k", "2-1"),
