@@ -20,7 +20,8 @@ void RepoEditorTest::makeAll()
                 "[c]\nname=C\nbaseurl=file:///c\nenabled=1\n[b]\nname=B\nmirrorlist=file:///b\n");
     driver = std::make_unique<DialogDriver>();
     used.clear();
-    yumIO = std::make_unique<YumIO>();
+    if (!yumIO)
+        yumIO = std::make_unique<YumIO>();
     conf = std::make_unique<YumConfIO>(options, used);
     window = std::make_unique<QWidget>();
     dialog = std::make_unique<Dialog>(yumIO.get(), conf.get(), window.get());
@@ -35,7 +36,6 @@ void RepoEditorTest::removeAll()
     dialog.reset();
     window.reset();
     conf.reset();
-    yumIO.reset();
     driver.reset();
     tree.reset();
 }

@@ -56,7 +56,7 @@ protected:
     std::unique_ptr<DialogDriver> driver;
     QList<YumRepoEnabled> options;
     QHash<QString, bool> used;
-    std::unique_ptr<YumIO> yumIO;
+    std::unique_ptr<YumIO> yumIO; ///< one for all tests, since it ends the interpreter
     std::unique_ptr<YumConfIO> conf;
     std::unique_ptr<QWidget> window;
     std::unique_ptr<RepoEditor::Dialog> dialog;

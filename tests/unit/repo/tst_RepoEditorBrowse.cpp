@@ -44,6 +44,11 @@ class Engine : public YumIO
 {
 public:
     void add() { entries.append(new Package::Entry); }
+    void removeAll()
+    {
+        qDeleteAll(entries);
+        entries.clear();
+    }
 };
 
 } // namespace
@@ -76,13 +81,13 @@ private:
         QFile file(share.path() + "/webbrowser.said");
         QStringList lines;
         // The browser is nobody's child, so there is no end of it to wait for.
-        QTest::qWaitFor([&] {
+        const bool complete = QTest::qWaitFor([&] {
             if (file.open(QIODevice::ReadOnly))
                 lines = QString(file.readAll()).split('\n', Qt::SkipEmptyParts);
             file.close();
             return lines.size() >= count;
         });
-        return lines;
+        return complete ? lines : lines << "and no more";
     }
     void browseByMenu(const QString& id)
     {
@@ -93,7 +98,7 @@ private:
 
     QTemporaryDir share;
     QByteArray oldShare;
-    std::unique_ptr<Engine> engine;
+    Engine* engine = nullptr;
 };
 
 void TestRepoEditorBrowse::initTestCase()
@@ -103,23 +108,22 @@ void TestRepoEditorBrowse::initTestCase()
     write("/webbrowser", browser);
     oldShare = qgetenv("VOKSHARE");
     qputenv("VOKSHARE", QFile::encodeName(share.path()));
-    engine = std::make_unique<Engine>();
+    engine = new Engine;
+    yumIO.reset(engine);
     const DialogDriver guard;
     QVERIFY(engine->initialize());
 }
 
 void TestRepoEditorBrowse::cleanupTestCase()
 {
-    engine.reset();
+    yumIO.reset();
     qputenv("VOKSHARE", oldShare);
 }
 
 void TestRepoEditorBrowse::init()
 {
     makeAll();
-    editor.reset();
-    dialog = std::make_unique<Dialog>(engine.get(), conf.get(), window.get());
-    editor = std::make_unique<RepoEditorDriver>(dialog.get());
+    engine->removeAll();
     QFile::remove(share.path() + "/webbrowser.said");
 }
 
