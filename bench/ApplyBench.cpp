@@ -103,6 +103,8 @@ int ApplyBench::run()
     const double done = millisecondsOf(clock);
     const double gap = heartbeat->longestGap();
     saveProfile();
+    report("apply.to-review", toReview, "ms");
+    report("apply.to-review.gui-gap", toReviewGap, "ms");
     report("apply.run", done, "ms");
     report("apply.run.transaction", transaction, "ms");
     report("apply.run.collection", done - transaction, "ms");
@@ -181,8 +183,9 @@ void ApplyBench::agree(QWidget* dialog)
         std::fprintf(stderr, "an unexpected dialog: %s\n", qPrintable(textsIn(dialog)));
         std::_Exit(1);
     }
-    report("apply.to-review", millisecondsOf(clock), "ms");
-    report("apply.to-review.gui-gap", heartbeat->longestGap(), "ms");
+    // Told at the end: standard output belongs to the log until the Apply is over.
+    toReview = millisecondsOf(clock);
+    toReviewGap = heartbeat->longestGap();
     agreed = true;
     heartbeat = std::make_unique<Heartbeat>();
     // The rows go when the transaction is over and the collection begins.

@@ -40,6 +40,8 @@ private:
     std::unique_ptr<MainWindow> window;
     std::unique_ptr<Heartbeat> heartbeat;
     QElapsedTimer clock; ///< since the click on the button that was pressed last
+    double toReview = 0;
+    double toReviewGap = 0;
     double transaction = 0;
     bool agreed = false;
 };
