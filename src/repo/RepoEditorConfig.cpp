@@ -34,6 +34,13 @@ void addRow(QGridLayout* layout, const QString& text, QWidget* field, const QStr
     layout->addWidget(field, row, 1);
 }
 
+/// On a small screen the texts give way first, down to two lines.
+void letShrink(QTextEdit* edit)
+{
+    edit->setMinimumHeight(2 * (edit->fontMetrics().lineSpacing() + edit->frameWidth()) +
+                           static_cast<int>(2 * edit->document()->documentMargin()));
+}
+
 } // namespace
 
 RepoEditor::Config::Config(QGridLayout* layout)
@@ -56,6 +63,7 @@ RepoEditor::Config::Config(QGridLayout* layout)
            tr("List of URLs to the repository.\n"
               "If more than one is specified, they all should be identical mirrors,\n"
               "and will provide redundancy if some URLs are unreachable."));
+    letShrink(urlsEdit);
     connect(urlsEdit, &QTextEdit::textChanged, this, QOverload<>::of(&Config::urlChanged));
 
     mirrorEdit = new PasswdLineEdit(Repo::Vantry::oneUrlRegExp(), parent);
@@ -114,6 +122,7 @@ QWidget* RepoEditor::Config::createOptions(QWidget* parent)
     otherEdit->setAcceptRichText(false);
     otherEdit->setFont(Fonts::makeBold(Fonts::makeFixed(otherEdit->font())));
     otherEdit->setToolTip(tr("Any other yum options for this repository.  See yum.conf(5)"));
+    letShrink(otherEdit);
     layout->addWidget(otherEdit);
     connect(otherEdit, &QTextEdit::textChanged, this, QOverload<>::of(&Config::valueChanged));
     return box;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "repo/RepoEditorConfigDialog.h"
 #include "kit/HFrameLabel.h"
+#include "kit/ScreenLimit.h"
 #include "repo/RepoEditorConfig.h"
 #include "repo/YumConfIO.h"
 
@@ -61,6 +62,10 @@ void RepoEditor::ConfigDialog::setVisible(bool visible)
         config->setDefaults(conf->mainEnabled, conf->mainGpgcheck);
         setHasChanged(false);
         config->setFocusOnIdentifier();
+        // By itself a dialog is content with two thirds of the screen, too little for the form on
+        // a small one.
+        if (!testAttribute(Qt::WA_Resized))
+            resize(sizeHint().boundedTo(ScreenLimit::of(this)));
     }
     QDialog::setVisible(visible);
 }

@@ -2,6 +2,7 @@
 #include "kit/Colors.h"
 #include "kit/HFrameLabel.h"
 #include "kit/HTextEdit.h"
+#include "kit/ScreenLimit.h"
 #include "repo/PasswdLineEdit.h"
 #include "repo/PasswdTextEdit.h"
 #include "repo/RepoEditorConfig.h"
@@ -46,6 +47,7 @@ private Q_SLOTS:
     void explainsEachField();
     void marksTheIdentifierAsRequired();
     void showsNothingButItsFields();
+    void fitsASmallScreen();
     void says_data();
     void says();
     void reportsTheFirstProblemOnly();
@@ -341,6 +343,21 @@ void TestRepoEditorConfig::showsNothingButItsFields()
     }
     QCOMPARE(lines, 6);
     QCOMPARE(texts, 2);
+}
+
+void TestRepoEditorConfig::fitsASmallScreen()
+{
+    open();
+    QCOMPARE(dialog->size(), dialog->sizeHint()
+                                 .boundedTo(ScreenLimit::of(dialog.get()))
+                                 .expandedTo(dialog->minimumSizeHint()));
+    // Both texts together give way by more than the one that asks for most.
+    QVERIFY(dialog->sizeHint().height() - dialog->minimumSizeHint().height() >
+            urls()->sizeHint().height() * 3 / 4);
+    dialog->resize(700, 650);
+    press(QStringLiteral("Cancel"));
+    open();
+    QCOMPARE(dialog->size(), QSize(700, 650));
 }
 
 void TestRepoEditorConfig::says_data()
