@@ -5,6 +5,7 @@
 #include "kit/HMenu.h"
 #include "kit/Share.h"
 #include "log/LogWindow.h"
+#include "repo/RepoAuthChecker.h"
 #include "table/PackageTableModel.h"
 #include "table/PackageTableSortFilterProxyModel.h"
 #include "table/PackageTableView.h"
@@ -82,10 +83,19 @@ void MainWindow::initialize()
         initialized = true;
         return;
     }
-    // A message about the files belongs over the window, where the window manager has put it by
-    // now.
+    // A message about the files, or a question, belongs over the window, where the window manager
+    // has put it by now.
     QEventLoop().processEvents(QEventLoop::ExcludeUserInputEvents);
-    conf->read(this);
+    {
+        const RepoAuth::Checker check(this, conf.get());
+        if (check.quit) {
+            quit();
+            return;
+        }
+        // The script has read the files already.
+        if (check.changed)
+            engine->clear();
+    }
     engine->collect(usedRepos);
     model->reset();
     mainArea->show();

@@ -4,6 +4,7 @@
 #include "engine/YumIO.h"
 #include "kit/Execute.h"
 #include "kit/Share.h"
+#include "repo/RepoAuthChecker.h"
 #include "shell/WarmUp.h"
 
 #include <QFile>
@@ -34,7 +35,10 @@ void MainWindow::apply()
     }
     if (applied) {
         // Packages bring configuration along.
-        conf->read(this);
+        if (RepoAuth::Checker(this, conf.get()).quit) {
+            quit();
+            return;
+        }
         collectAnew();
     }
     warnUnlistedActions();

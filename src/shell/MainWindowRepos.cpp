@@ -3,6 +3,7 @@
 
 #include "engine/YumIO.h"
 #include "kit/SystemRoot.h"
+#include "repo/RepoAuthChecker.h"
 
 #include <QMessageBox>
 
@@ -32,7 +33,10 @@ void MainWindow::reposChanged()
     if (!engine)
         return;
     setReady(false);
-    conf->read(this);
+    if (RepoAuth::Checker(this, conf.get()).quit) {
+        quit();
+        return;
+    }
     collectAnew();
     if (mainArea->isHidden()) {
         mainArea->show();
