@@ -227,11 +227,8 @@ void Dialog::addEntry(Repo::Entry entry)
 void Dialog::remove()
 {
     QVector<int> rows;
-    for (const QModelIndex& index : view->selectedRows()) {
-        // A row may be in two ranges of the selection.
-        if (!rows.contains(index.row()))
-            rows.append(index.row());
-    }
+    for (const QModelIndex& index : view->selectedRows())
+        rows.append(index.row());
     if (rows.isEmpty())
         return;
     view->setCurrentIndex(QModelIndex());

@@ -4,6 +4,7 @@
 #include "support/MenuDriver.h"
 #include "unit/repo/RepoEditorTest.h"
 
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QTest>
 
@@ -21,6 +22,7 @@ private Q_SLOTS:
     void thePermanentCheckSkipsTheDefaultValue();
     void removesTheSelectedRowsInAnyOrder_data();
     void removesTheSelectedRowsInAnyOrder();
+    void removesTheSelectedRowsAfterColumnsWereMoved();
     void removesNothingWithoutASelection();
     void removingKeepsTheSessionsValue();
     void addingNothingAddsNothing();
@@ -82,6 +84,17 @@ void TestRepoEditorRows::removesTheSelectedRowsInAnyOrder()
     const auto left = files();
     QCOMPARE(left.value("etc/yum.repos.d/many.repo"),
              QByteArray("[b]\nname=B\nmirrorlist=file:///b\n"));
+}
+
+void TestRepoEditorRows::removesTheSelectedRowsAfterColumnsWereMoved()
+{
+    run([&] {
+        editor->view->horizontalHeader()->moveSection(ColumnName, ColumnUse);
+        editor->click("b");
+        editor->click("c", ColumnUse, Qt::ShiftModifier);
+        editor->press("Remove");
+        QCOMPARE(editor->listed(), QStringList({"a", "d", "e"}));
+    });
 }
 
 void TestRepoEditorRows::removesNothingWithoutASelection()
