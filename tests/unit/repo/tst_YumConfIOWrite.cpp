@@ -29,6 +29,7 @@ private Q_SLOTS:
     void relativeFileIsPlacedInTheFirstDirectory();
     void typedPathLiesBelowTheSystemRoot();
     void relativeDirectoryIsNotPutInFrontTwice();
+    void directoryBesideTheSystemRootIsNotPutBelowIt();
     void movesAnEntryToAnotherFile();
     void removesTheFileOfTheLastRepository();
     void leavesTheHeadAloneInTheMainFile();
@@ -61,12 +62,16 @@ void TestYumConfIOWrite::writesTheKnownOptionsInOrder()
 void TestYumConfIOWrite::leavesOutWhatIsNotStated()
 {
     QVERIFY(read());
-    io->entries << makeEntry("a") << makeEntry("b");
+    io->entries << makeEntry("a") << makeEntry("b") << makeEntry("c");
+    io->entries[2].enabled = 3;
+    io->entries[2].gpgcheck = -1;
     io->entries[1].enabled = 0;
     io->entries[1].gpgcheck = 2;
     QVERIFY(write());
     QCOMPARE(content(repo("a.repo")), QByteArray("[a]\n"));
     QCOMPARE(content(repo("b.repo")), QByteArray("[b]\nenabled=0\ngpgcheck=1\n"));
+    // Whatever else the number may be, it isn't on.
+    QCOMPARE(content(repo("c.repo")), QByteArray("[c]\nenabled=0\ngpgcheck=0\n"));
 }
 
 void TestYumConfIOWrite::enabledThatIsNotStatedStaysSo()
@@ -263,6 +268,22 @@ void TestYumConfIOWrite::relativeDirectoryIsNotPutInFrontTwice()
     QCOMPARE(name, QStringLiteral("./etc/yum.repos.d/x.repo"));
     QCOMPARE(again, name);
     QCOMPARE(repoFiles(), QStringList{QStringLiteral("x.repo")});
+}
+
+void TestYumConfIOWrite::directoryBesideTheSystemRootIsNotPutBelowIt()
+{
+    // A directory without a slash in front is no directory below the root.
+    qputenv("VOKROOT", QFile::encodeName(tree->path(QStringLiteral("/sub"))));
+    tree->write(QStringLiteral("/sub/etc/yum.conf"), "[main]\nreposdir=side\n");
+    tree->write(QStringLiteral("/subside/x.repo"), "[x]\n\n");
+    QVERIFY(read());
+    QCOMPARE(io->entries.size(), 1);
+    io->entries << makeEntry("y");
+    for (int i = 0; i < 2; ++i) {
+        QVERIFY(write());
+        QCOMPARE(content(QStringLiteral("/subside/x.repo")), QByteArray("[x]\n"));
+        QCOMPARE(content(QStringLiteral("/subside/y.repo")), QByteArray("[y]\n"));
+    }
 }
 
 void TestYumConfIOWrite::movesAnEntryToAnotherFile()
