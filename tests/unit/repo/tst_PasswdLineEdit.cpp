@@ -1,38 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "repo/PasswdLineEdit.h"
-#include "repo/Vantry.h"
-#include "unit/repo/PasswdWatcher.h"
+#include "unit/repo/PasswdLineEditTest.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QDragEnterEvent>
-#include <QFontInfo>
-#include <QInputMethodEvent>
-#include <QMenu>
-#include <QMimeData>
-#include <QSignalSpy>
-#include <QStyle>
-#include <QTest>
-#include <QVBoxLayout>
-
-#include <memory>
-
-namespace
-{
-
-const QString before = QStringLiteral("http://host/rhel/a=b/c=");
-const QString behind = QStringLiteral("/x");
-
-} // namespace
-
-class TestPasswdLineEdit : public QObject
+/// What a password field shows, and the keys that edit it.
+class TestPasswdLineEdit : public PasswdLineEditTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void showsAUrlWithoutCredentialsAsItIs();
     void showsAsManyPasswordCharactersAsThePasswordHas();
     void masksThePasswordOfTheQueryForm();
@@ -41,7 +15,6 @@ private Q_SLOTS:
     void tellsOfAProgramsChangeAndMasksIt();
     void tellsOfTheMaskedTextOnlyWhenTheRealOneIsThere();
     void tellsOfAChangeThatLeavesTheShownTextAsItWasTyped();
-
     void typingMovesBothCursorsTogether();
     void neverPaintsWhatIsTypedIntoThePassword();
     void looksTheSameWhateverThePassword();
@@ -55,79 +28,13 @@ private Q_SLOTS:
     void movesWithoutLosingThePlace();
     void undoBringsBackTheRealTextMasked();
     void undoBringsBackWhatWasCutOrReplaced();
-
-    void pastesIntoThePassword();
-    void copiesTheMaskOnly_data();
-    void copiesTheMaskOnly();
-    void leavesTheMaskInTheSelectionOfTheMouse();
-    void pastesTheSelectionWhereTheMouseIs();
-    void typesWhereTheMouseHasClickedInAScrolledText();
-    void replacesWhatTheMouseHasSelected();
-    void replacesWhatADoubleClickHasSelected();
-    void takesTheTextOfAnInputMethod();
-    void masksWhatAnInputMethodIsComposing();
-    void followsSlotsOfTheBaseClass();
-    void followsAnAssistiveTool();
-    void givesAssistiveToolsTheMask();
-    void keepsTheRealTextFromAssistiveTools();
-
     void opensNoMenuOnARightClick();
     void refusesADrag();
     void ignoresKeysWhileItIsDisabled_data();
     void ignoresKeysWhileItIsDisabled();
     void leavesNoTwinBehind();
     void letsTheTabKeyThrough();
-
-private:
-    QString mask(int length) const
-    {
-        return QString(length, QChar(edit->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter,
-                                                              nullptr, edit)));
-    }
-    QString shown(int length) const { return before + mask(length) + behind; }
-    void keys(int count, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        while (count-- > 0)
-            QTest::keyClick(edit, key, modifiers);
-    }
-    /// Puts the cursor behind `index` characters of the password, by keys.
-    void goInto(int index)
-    {
-        keys(1, Qt::Key_Home);
-        keys(before.size() + index, Qt::Key_Right);
-    }
-    /// Where a character shows, in a text that isn't scrolled.
-    QPoint place(int position)
-    {
-        edit->setCursorPosition(position);
-        return edit->inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
-    }
-
-    std::unique_ptr<QWidget> window;
-    PasswdLineEdit* edit = nullptr;
-    QLineEdit* other = nullptr;
 };
-
-void TestPasswdLineEdit::init()
-{
-    window = std::make_unique<QWidget>();
-    auto* box = new QVBoxLayout(window.get());
-    edit = new PasswdLineEdit(Repo::Vantry::oneUrlRegExp(), nullptr);
-    box->addWidget(edit);
-    other = new QLineEdit;
-    box->addWidget(other);
-    window->resize(800, 100);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    edit->setFocus();
-    edit->setRealText(before + QStringLiteral("hidden") + behind);
-    QApplication::clipboard()->clear();
-}
-
-void TestPasswdLineEdit::cleanup()
-{
-    window.reset();
-}
 
 void TestPasswdLineEdit::showsAUrlWithoutCredentialsAsItIs()
 {
@@ -410,182 +317,6 @@ void TestPasswdLineEdit::undoBringsBackWhatWasCutOrReplaced()
         QTest::keyClick(edit, Qt::Key_Z, Qt::ControlModifier);
     QCOMPARE(edit->realText(), before + QStringLiteral("hidden") + behind);
     QCOMPARE(edit->text(), shown(6));
-}
-
-void TestPasswdLineEdit::pastesIntoThePassword()
-{
-    QApplication::clipboard()->setText(QStringLiteral("PASTED"));
-    goInto(3);
-    QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
-    QCOMPARE(edit->realText(), before + QStringLiteral("hidPASTEDden") + behind);
-    QCOMPARE(edit->text(), shown(12));
-    QCOMPARE(edit->cursorPosition(), before.size() + 9);
-    edit->paste();
-    QCOMPARE(edit->realText(), before + QStringLiteral("hidPASTEDPASTEDden") + behind);
-    QCOMPARE(edit->text(), shown(18));
-}
-
-void TestPasswdLineEdit::copiesTheMaskOnly_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifiers");
-    QTest::newRow("copy") << int(Qt::Key_C) << int(Qt::ControlModifier);
-    QTest::newRow("copy with Insert") << int(Qt::Key_Insert) << int(Qt::ControlModifier);
-    QTest::newRow("cut") << int(Qt::Key_X) << int(Qt::ControlModifier);
-    QTest::newRow("cut with Delete") << int(Qt::Key_Delete) << int(Qt::ShiftModifier);
-}
-
-void TestPasswdLineEdit::copiesTheMaskOnly()
-{
-    QFETCH(int, key);
-    QFETCH(int, modifiers);
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(edit, static_cast<Qt::Key>(key), Qt::KeyboardModifiers(modifiers));
-    QCOMPARE(QApplication::clipboard()->text(), shown(6));
-}
-
-void TestPasswdLineEdit::leavesTheMaskInTheSelectionOfTheMouse()
-{
-    QClipboard* clipboard = QApplication::clipboard();
-    if (!clipboard->supportsSelection())
-        QSKIP("this platform has no selection of the mouse");
-    clipboard->setText(QStringLiteral("old"), QClipboard::Selection);
-    const QPoint from = place(before.size() - 2);
-    const QPoint to = place(before.size() + 6);
-    sweep(edit, from, to);
-    QCOMPARE(clipboard->text(QClipboard::Selection), QStringLiteral("c=") + mask(6));
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QVERIFY(!clipboard->text(QClipboard::Selection).contains(QStringLiteral("hidden")));
-}
-
-void TestPasswdLineEdit::pastesTheSelectionWhereTheMouseIs()
-{
-    QClipboard* clipboard = QApplication::clipboard();
-    if (!clipboard->supportsSelection())
-        QSKIP("this platform has no selection of the mouse");
-    clipboard->setText(QStringLiteral("PASTED"), QClipboard::Selection);
-    const QPoint where = place(before.size() + 2);
-    keys(1, Qt::Key_Home);
-    QTest::mouseClick(edit, Qt::MiddleButton, Qt::NoModifier, where);
-    QCOMPARE(edit->realText(), before + QStringLiteral("hiPASTEDdden") + behind);
-    QCOMPARE(edit->text(), shown(12));
-}
-
-void TestPasswdLineEdit::typesWhereTheMouseHasClickedInAScrolledText()
-{
-    const QString host = QStringLiteral("http://") + QString(300, QLatin1Char('h'));
-    edit->setRealText(host + before + QStringLiteral("hidden") + behind);
-    keys(1, Qt::Key_End);
-    edit->grab(); // scrolls
-    QTest::mouseClick(edit, Qt::LeftButton, Qt::NoModifier, edit->rect().center());
-    const int cursor = edit->cursorPosition();
-    QVERIFY(cursor > 100);
-    QTest::keyClicks(edit, QStringLiteral("Z"));
-    QString expected = host + before + QStringLiteral("hidden") + behind;
-    QCOMPARE(edit->realText(), expected.insert(cursor, QLatin1Char('Z')));
-}
-
-void TestPasswdLineEdit::replacesWhatTheMouseHasSelected()
-{
-    const QPoint from = place(before.size() + 1);
-    const QPoint to = place(before.size() + 5);
-    sweep(edit, from, to);
-    QCOMPARE(edit->selectedText(), mask(4));
-    QTest::keyClicks(edit, QStringLiteral("X"));
-    QCOMPARE(edit->realText(), before + QStringLiteral("hXn") + behind);
-    QCOMPARE(edit->text(), shown(3));
-}
-
-void TestPasswdLineEdit::replacesWhatADoubleClickHasSelected()
-{
-    edit->setRealText(before + QStringLiteral("a-b.c+d") + behind);
-    const QPoint where = place(before.size() + 3);
-    QTest::mouseClick(edit, Qt::LeftButton, Qt::NoModifier, where);
-    QTest::mouseDClick(edit, Qt::LeftButton, Qt::NoModifier, where);
-    const int start = edit->selectionStart();
-    const int length = edit->selectedText().size();
-    QVERIFY(length > 0);
-    QTest::keyClicks(edit, QStringLiteral("X"));
-    QString expected = before + QStringLiteral("a-b.c+d") + behind;
-    QCOMPARE(edit->realText(), expected.replace(start, length, QStringLiteral("X")));
-}
-
-void TestPasswdLineEdit::takesTheTextOfAnInputMethod()
-{
-    goInto(2);
-    QInputMethodEvent commit;
-    commit.setCommitString(QStringLiteral("\u00e9X"));
-    QApplication::sendEvent(edit, &commit);
-    QCOMPARE(edit->realText(), before + QStringLiteral("hi\u00e9Xdden") + behind);
-    QCOMPARE(edit->text(), shown(8));
-    QCOMPARE(edit->cursorPosition(), before.size() + 4);
-}
-
-void TestPasswdLineEdit::masksWhatAnInputMethodIsComposing()
-{
-    goInto(2);
-    QInputMethodEvent compose(QStringLiteral("SEC"), {});
-    QApplication::sendEvent(edit, &compose);
-    edit->setCursorPosition(edit->cursorPosition());
-    const QImage one = edit->grab().toImage();
-    QInputMethodEvent end(QString(), {});
-    QApplication::sendEvent(edit, &end);
-    QCOMPARE(edit->realText().size(), edit->text().size());
-
-    edit->setRealText(before + behind);
-    edit->setRealText(before + QStringLiteral("hidden") + behind);
-    goInto(2);
-    QInputMethodEvent otherCompose(QStringLiteral("ill"), {});
-    QApplication::sendEvent(edit, &otherCompose);
-    edit->setCursorPosition(edit->cursorPosition());
-    QCOMPARE(edit->grab().toImage(), one);
-
-    // Outside of the password it shows.
-    edit->setRealText(before + QStringLiteral("hidden") + behind);
-    keys(1, Qt::Key_Home);
-    QInputMethodEvent plain(QStringLiteral("SEC"), {});
-    QApplication::sendEvent(edit, &plain);
-    const QImage first = edit->grab().toImage();
-    QInputMethodEvent plainOther(QStringLiteral("ill"), {});
-    QApplication::sendEvent(edit, &plainOther);
-    QVERIFY(edit->grab().toImage() != first);
-}
-
-void TestPasswdLineEdit::followsSlotsOfTheBaseClass()
-{
-    edit->setCursorPosition(before.size() + 3);
-    edit->insert(QStringLiteral("X"));
-    QCOMPARE(edit->realText(), before + QStringLiteral("hidXden") + behind);
-    QCOMPARE(edit->text(), shown(7));
-    edit->backspace();
-    edit->backspace();
-    QCOMPARE(edit->realText(), before + QStringLiteral("hiden") + behind);
-    edit->clear();
-    QCOMPARE(edit->realText(), QString());
-}
-
-void TestPasswdLineEdit::followsAnAssistiveTool()
-{
-    QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(edit);
-    QVERIFY(interface->editableTextInterface());
-    interface->editableTextInterface()->insertText(7, QStringLiteral("my"));
-    QCOMPARE(edit->realText(), QStringLiteral("http://myhost/rhel/a=b/c=hidden/x"));
-    QCOMPARE(edit->text(), QStringLiteral("http://myhost/rhel/a=b/c=") + mask(6) + behind);
-}
-
-void TestPasswdLineEdit::givesAssistiveToolsTheMask()
-{
-    QCOMPARE(accessibleText(edit), shown(6) + QLatin1Char('|') + shown(6));
-    goInto(1);
-    QTest::keyClicks(edit, QStringLiteral("X"));
-    QCOMPARE(accessibleText(edit), shown(7) + QLatin1Char('|') + shown(7));
-    QVERIFY(edit->inputMethodHints() & Qt::ImhSensitiveData);
-    QCOMPARE(edit->inputMethodQuery(Qt::ImSurroundingText).toString(), shown(7));
-}
-
-void TestPasswdLineEdit::keepsTheRealTextFromAssistiveTools()
-{
-    QVERIFY(isKeptFromAssistiveTools(QStringLiteral("hidden")));
 }
 
 void TestPasswdLineEdit::opensNoMenuOnARightClick()

@@ -1,49 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "repo/PasswdTextEdit.h"
-#include "repo/Vantry.h"
-#include "unit/repo/PasswdWatcher.h"
+#include "unit/repo/PasswdTextEditTest.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QDragEnterEvent>
-#include <QFontInfo>
-#include <QInputMethodEvent>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMimeData>
-#include <QScrollBar>
-#include <QSignalSpy>
-#include <QStyle>
-#include <QTest>
-#include <QTextBlock>
-#include <QVBoxLayout>
-
-#include <memory>
-
-namespace
-{
-
-// A query form, then a path form, each a line.
-const QString one = QStringLiteral("http://host/vantry?a=b&c=");
-const QString behindOne = QStringLiteral("&path=/x\n");
-const QString two = QStringLiteral("http://host/rhel/a=b/c=");
-const QString behindTwo = QStringLiteral("/y");
-
-QString lines(const QString& first, const QString& second)
-{
-    return one + first + behindOne + two + second + behindTwo;
-}
-
-} // namespace
-
-class TestPasswdTextEdit : public QObject
+/// What a password field shows, and the keys that edit it.
+class TestPasswdTextEdit : public PasswdTextEditTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
-
     void showsAUrlWithoutCredentialsAsItIs();
     void masksBothPasswordsOfTwoLines();
     void hasNothingToMaskInAnEmptyPassword();
@@ -52,7 +15,6 @@ private Q_SLOTS:
     void tellsOfTheMaskedTextOnlyWhenTheRealOneIsThere();
     void isSizedInLettersAndLines();
     void wrapsAnywhere();
-
     void typingMovesBothCursorsTogether();
     void neverPaintsWhatIsTypedIntoThePassword();
     void looksTheSameWhateverThePassword();
@@ -66,86 +28,12 @@ private Q_SLOTS:
     void splitsALine();
     void undoBringsBackTheRealTextMasked();
     void undoPutsTheCursorWhereItUndid();
-
-    void pastesIntoThePassword();
-    void pastesRichTextPlain();
-    void copiesTheMaskOnly_data();
-    void copiesTheMaskOnly();
-    void leavesTheMaskInTheSelectionOfTheMouse();
-    void pastesTheSelectionWhereTheMouseIs();
-    void typesWhereTheMouseHasClickedInAScrolledText();
-    void staysScrolledWhileTyping();
-    void replacesWhatTheMouseHasSelected();
-    void replacesWhatADoubleClickHasSelected();
-    void takesTheTextOfAnInputMethod();
-    void masksWhatAnInputMethodIsComposing();
-    void followsSlotsOfTheBaseClass();
-    void followsAnAssistiveTool();
-    void givesAssistiveToolsTheMask();
-    void keepsTheRealTextFromAssistiveTools();
-
     void opensNoMenuOnARightClick();
     void refusesADrag();
     void ignoresKeysWhileItIsDisabled_data();
     void ignoresKeysWhileItIsDisabled();
     void leavesNoTwinBehind();
-
-private:
-    QString mask(int length) const
-    {
-        return QString(length, QChar(edit->style()->styleHint(QStyle::SH_LineEdit_PasswordCharacter,
-                                                              nullptr, edit)));
-    }
-    QString shown(int first, int second) const { return lines(mask(first), mask(second)); }
-    void keys(int count, Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier)
-    {
-        while (count-- > 0)
-            QTest::keyClick(edit, key, modifiers);
-    }
-    int position() const { return edit->textCursor().position(); }
-    /// Puts the cursor to a position by keys.
-    void go(int where)
-    {
-        keys(1, Qt::Key_Home, Qt::ControlModifier);
-        keys(where, Qt::Key_Right);
-        QCOMPARE(position(), where);
-    }
-    /// Where a character shows.
-    QPoint place(int where)
-    {
-        QTextCursor cursor = edit->textCursor();
-        cursor.setPosition(where);
-        return edit->cursorRect(cursor).center();
-    }
-
-    std::unique_ptr<QWidget> window;
-    PasswdTextEdit* edit = nullptr;
-    QLineEdit* other = nullptr;
-    const int inOne = one.size();
-    /// Start of the second password where the first has six letters.
-    const int inTwo = one.size() + 6 + behindOne.size() + two.size();
 };
-
-void TestPasswdTextEdit::init()
-{
-    window = std::make_unique<QWidget>();
-    auto* box = new QVBoxLayout(window.get());
-    edit = new PasswdTextEdit(Repo::Vantry::urlsRegExp(), nullptr);
-    box->addWidget(edit);
-    other = new QLineEdit;
-    box->addWidget(other);
-    window->resize(800, 200);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowActive(window.get()));
-    edit->setFocus();
-    edit->setRealPlainText(lines("hidden", "covert"));
-    QApplication::clipboard()->clear();
-}
-
-void TestPasswdTextEdit::cleanup()
-{
-    window.reset();
-}
 
 void TestPasswdTextEdit::showsAUrlWithoutCredentialsAsItIs()
 {
@@ -424,6 +312,7 @@ void TestPasswdTextEdit::undoBringsBackTheRealTextMasked()
     QCOMPARE(edit->toPlainText(), shown(6, 8));
     edit->undo();
     QCOMPARE(edit->toPlainText(), shown(6, 8));
+    QVERIFY(!edit->isUndoRedoEnabled());
 }
 
 void TestPasswdTextEdit::undoPutsTheCursorWhereItUndid()
@@ -437,199 +326,6 @@ void TestPasswdTextEdit::undoPutsTheCursorWhereItUndid()
     QCOMPARE(edit->realPlainText(), lines("hidden", "covert"));
     QCOMPARE(edit->toPlainText(), shown(6, 6));
     QCOMPARE(position(), inTwo + 5);
-}
-
-void TestPasswdTextEdit::pastesIntoThePassword()
-{
-    QApplication::clipboard()->setText(QStringLiteral("PASTED"));
-    go(inTwo + 3);
-    QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
-    QCOMPARE(edit->realPlainText(), lines("hidden", "covPASTEDert"));
-    QCOMPARE(edit->toPlainText(), shown(6, 12));
-    QCOMPARE(position(), inTwo + 9);
-    edit->paste();
-    QCOMPARE(edit->realPlainText(), lines("hidden", "covPASTEDPASTEDert"));
-    QCOMPARE(edit->toPlainText(), shown(6, 18));
-    QCOMPARE(position(), inTwo + 15);
-    QApplication::clipboard()->setText(lines("first", "second"));
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(edit, Qt::Key_Insert, Qt::ShiftModifier);
-    QCOMPARE(edit->realPlainText(), lines("first", "second"));
-    QCOMPARE(edit->toPlainText(), shown(5, 6));
-}
-
-void TestPasswdTextEdit::pastesRichTextPlain()
-{
-    auto* data = new QMimeData;
-    data->setHtml(QStringLiteral("<h1>B<b>I</b>G</h1>"));
-    data->setText(QStringLiteral("BIG"));
-    QApplication::clipboard()->setMimeData(data);
-    go(inTwo + 3);
-    QTest::keyClick(edit, Qt::Key_V, Qt::ControlModifier);
-    QCOMPARE(edit->realPlainText(), lines("hidden", "covBIGert"));
-    QCOMPARE(edit->toPlainText(), shown(6, 9));
-    QVERIFY(QFontInfo(edit->currentFont()).fixedPitch());
-}
-
-void TestPasswdTextEdit::copiesTheMaskOnly_data()
-{
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifiers");
-    QTest::newRow("copy") << int(Qt::Key_C) << int(Qt::ControlModifier);
-    QTest::newRow("copy with Insert") << int(Qt::Key_Insert) << int(Qt::ControlModifier);
-    QTest::newRow("cut") << int(Qt::Key_X) << int(Qt::ControlModifier);
-    QTest::newRow("cut with Delete") << int(Qt::Key_Delete) << int(Qt::ShiftModifier);
-}
-
-void TestPasswdTextEdit::copiesTheMaskOnly()
-{
-    QFETCH(int, key);
-    QFETCH(int, modifiers);
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClick(edit, static_cast<Qt::Key>(key), Qt::KeyboardModifiers(modifiers));
-    QCOMPARE(QApplication::clipboard()->text(), shown(6, 6));
-    for (const QString& format : QApplication::clipboard()->mimeData()->formats())
-        QVERIFY(!QApplication::clipboard()->mimeData()->data(format).contains("hidden"));
-}
-
-void TestPasswdTextEdit::leavesTheMaskInTheSelectionOfTheMouse()
-{
-    QClipboard* clipboard = QApplication::clipboard();
-    if (!clipboard->supportsSelection())
-        QSKIP("this platform has no selection of the mouse");
-    clipboard->setText(QStringLiteral("old"), QClipboard::Selection);
-    sweep(edit->viewport(), place(inTwo - 2), place(inTwo + 6));
-    QCOMPARE(clipboard->text(QClipboard::Selection), QStringLiteral("c=") + mask(6));
-    QTest::keyClick(edit, Qt::Key_A, Qt::ControlModifier);
-    QVERIFY(!clipboard->text(QClipboard::Selection).contains(QStringLiteral("hidden")));
-}
-
-void TestPasswdTextEdit::pastesTheSelectionWhereTheMouseIs()
-{
-    QClipboard* clipboard = QApplication::clipboard();
-    if (!clipboard->supportsSelection())
-        QSKIP("this platform has no selection of the mouse");
-    clipboard->setText(QStringLiteral("PASTED"), QClipboard::Selection);
-    keys(1, Qt::Key_Home, Qt::ControlModifier);
-    QTest::mouseClick(edit->viewport(), Qt::MiddleButton, Qt::NoModifier, place(inTwo + 2));
-    QCOMPARE(edit->realPlainText(), lines("hidden", "coPASTEDvert"));
-    QCOMPARE(edit->toPlainText(), shown(6, 12));
-}
-
-void TestPasswdTextEdit::typesWhereTheMouseHasClickedInAScrolledText()
-{
-    QString text = QStringLiteral("http://host/x\n").repeated(50) + lines("hidden", "covert");
-    edit->setRealPlainText(text);
-    keys(1, Qt::Key_End, Qt::ControlModifier);
-    edit->grab(); // scrolls
-    QVERIFY(edit->verticalScrollBar()->value() > 0);
-    QTest::mouseClick(edit->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(30, 30));
-    const int cursor = position();
-    QVERIFY(cursor > 100);
-    QTest::keyClicks(edit, QStringLiteral("Z"));
-    QCOMPARE(edit->realPlainText(), text.insert(cursor, QLatin1Char('Z')));
-}
-
-void TestPasswdTextEdit::staysScrolledWhileTyping()
-{
-    edit->setRealPlainText(QStringLiteral("http://host/x\n").repeated(50));
-    keys(1, Qt::Key_End, Qt::ControlModifier);
-    edit->grab();
-    QTest::mouseClick(edit->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(30, 30));
-    const int scrolled = edit->verticalScrollBar()->value();
-    QVERIFY(scrolled > 0);
-    QTest::keyClicks(edit, QStringLiteral("Z"));
-    edit->grab();
-    QCOMPARE(edit->verticalScrollBar()->value(), scrolled);
-}
-
-void TestPasswdTextEdit::replacesWhatTheMouseHasSelected()
-{
-    sweep(edit->viewport(), place(inTwo + 1), place(inTwo + 5));
-    QCOMPARE(edit->textCursor().selectedText(), mask(4));
-    QTest::keyClicks(edit, QStringLiteral("X"));
-    QCOMPARE(edit->realPlainText(), lines("hidden", "cXt"));
-    QCOMPARE(edit->toPlainText(), shown(6, 3));
-}
-
-void TestPasswdTextEdit::replacesWhatADoubleClickHasSelected()
-{
-    edit->setRealPlainText(lines("hidden", "a-b.c+d"));
-    QTest::mouseClick(edit->viewport(), Qt::LeftButton, Qt::NoModifier, place(inTwo + 3));
-    QTest::mouseDClick(edit->viewport(), Qt::LeftButton, Qt::NoModifier, place(inTwo + 3));
-    const int start = edit->textCursor().selectionStart();
-    const int length = edit->textCursor().selectionEnd() - start;
-    QVERIFY(length > 0);
-    QTest::keyClicks(edit, QStringLiteral("X"));
-    QString expected = lines("hidden", "a-b.c+d");
-    QCOMPARE(edit->realPlainText(), expected.replace(start, length, QStringLiteral("X")));
-}
-
-void TestPasswdTextEdit::takesTheTextOfAnInputMethod()
-{
-    go(inTwo + 2);
-    QInputMethodEvent commit;
-    commit.setCommitString(QStringLiteral("\u00e9X"));
-    QApplication::sendEvent(edit, &commit);
-    QCOMPARE(edit->realPlainText(), lines("hidden", QStringLiteral("co\u00e9Xvert")));
-    QCOMPARE(edit->toPlainText(), shown(6, 8));
-    QCOMPARE(position(), inTwo + 4);
-}
-
-void TestPasswdTextEdit::masksWhatAnInputMethodIsComposing()
-{
-    go(inTwo + 2);
-    QInputMethodEvent compose(QStringLiteral("SEC"), {});
-    QApplication::sendEvent(edit, &compose);
-    QCOMPARE(edit->document()->findBlock(inTwo).layout()->preeditAreaText(), mask(3));
-    QInputMethodEvent end(QString(), {});
-    QApplication::sendEvent(edit, &end);
-    QCOMPARE(edit->realPlainText(), lines("hidden", "covert"));
-
-    // Outside of the password it shows.
-    keys(1, Qt::Key_Home);
-    QApplication::sendEvent(edit, &compose);
-    QCOMPARE(edit->document()->findBlock(inTwo).layout()->preeditAreaText(), QStringLiteral("SEC"));
-}
-
-void TestPasswdTextEdit::followsSlotsOfTheBaseClass()
-{
-    go(inTwo + 3);
-    edit->insertPlainText(QStringLiteral("X"));
-    QCOMPARE(edit->realPlainText(), lines("hidden", "covXert"));
-    QCOMPARE(edit->toPlainText(), shown(6, 7));
-    edit->append(QStringLiteral("http://host/"));
-    QCOMPARE(edit->realPlainText(), lines("hidden", "covXert") + QStringLiteral("\nhttp://host/"));
-    QCOMPARE(edit->toPlainText(), shown(6, 7) + QStringLiteral("\nhttp://host/"));
-    edit->clear();
-    QCOMPARE(edit->realPlainText(), QString());
-}
-
-void TestPasswdTextEdit::followsAnAssistiveTool()
-{
-    QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(edit);
-    QVERIFY(interface->editableTextInterface());
-    interface->editableTextInterface()->insertText(7, QStringLiteral("my"));
-    QCOMPARE(edit->realPlainText(), lines("hidden", "covert").insert(7, QStringLiteral("my")));
-    QCOMPARE(edit->toPlainText(), shown(6, 6).insert(7, QStringLiteral("my")));
-}
-
-void TestPasswdTextEdit::givesAssistiveToolsTheMask()
-{
-    QVERIFY(accessibleText(edit).contains(mask(6)));
-    for (const char* secret : {"hidden", "covert"})
-        QVERIFY(!accessibleText(edit).contains(QLatin1String(secret)));
-    go(inTwo + 1);
-    QTest::keyClicks(edit, QStringLiteral("X"));
-    QVERIFY(accessibleText(edit).contains(mask(7)));
-    QVERIFY(!accessibleText(edit).contains(QLatin1Char('X')));
-    QVERIFY(edit->inputMethodHints() & Qt::ImhSensitiveData);
-    QCOMPARE(edit->inputMethodQuery(Qt::ImSurroundingText).toString(), two + mask(7) + behindTwo);
-}
-
-void TestPasswdTextEdit::keepsTheRealTextFromAssistiveTools()
-{
-    QVERIFY(isKeptFromAssistiveTools(QStringLiteral("covert")));
 }
 
 void TestPasswdTextEdit::opensNoMenuOnARightClick()
