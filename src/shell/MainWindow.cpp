@@ -6,6 +6,7 @@
 #include "kit/Share.h"
 #include "log/LogWindow.h"
 #include "repo/RepoAuthChecker.h"
+#include "repo/RepoEditorDialog.h"
 #include "table/PackageTableModel.h"
 #include "table/PackageTableSortFilterProxyModel.h"
 #include "table/PackageTableView.h"
@@ -44,6 +45,7 @@ MainWindow::MainWindow(QWidget* parent)
 MainWindow::~MainWindow()
 {
     delete logWindow;
+    delete repoEditor; // It shows the entries of `conf`.
     endEngine();
 }
 

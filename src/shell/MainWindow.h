@@ -35,6 +35,11 @@ class SortFilterProxyModel;
 class View;
 } // namespace PackageTable
 
+namespace RepoEditor
+{
+class Dialog;
+}
+
 /// The one top-level window. It owns the engine, starts it once the window has been painted, and
 /// keeps the user from starting a second operation while the engine works.
 ///
@@ -207,5 +212,6 @@ private:
     HFrameLabel* warningLabel = nullptr;
     QPushButton* applyButton = nullptr;
 
-    QPointer<Log::Window> logWindow; ///< a top-level window of its own, so owned by hand
+    RepoEditor::Dialog* repoEditor = nullptr; ///< made when it is needed first
+    QPointer<Log::Window> logWindow;          ///< a top-level window of its own, so owned by hand
 };

@@ -6,6 +6,8 @@
 #include "kit/HFrameLabel.h"
 #include "support/ProcessPerTest.h"
 #include "table/PackageTable.h"
+#include "unit/repo/RepoAuthUser.h"
+#include "unit/repo/RepoEditorDriver.h"
 
 #include <QAction>
 #include <QApplication>
@@ -263,24 +265,18 @@ private Q_SLOTS:
         QVERIFY(user.listed().contains("edwin"));
     }
 
-    void theRepositoryBoxLeadsToANewList()
+    void theRepositoryEditorLeadsToANewList()
     {
         const SandboxRoot root;
         WindowDriver user;
         user.window().setStartInRepoEditor();
-        user.dialogs.expect("VOK Repository Editor")
-            .textContains(root.path("etc/yum.conf"))
-            .act([&](QWidget*) {
-                // What a person does meanwhile: copy a repository's section under a new name.
-                QFile old(root.path("etc/yum.repos.d/demo.repo"));
-                QVERIFY(old.open(QIODevice::ReadOnly));
-                const QByteArray text = old.readAll();
-                const int section = text.indexOf("[testing]");
-                QFile file(root.path("etc/yum.repos.d/copied.repo"));
-                QVERIFY(section >= 0 && file.open(QIODevice::WriteOnly));
-                file.write(text.mid(section)
-                               .replace("[testing]", "[copied]")
-                               .replace("enabled=0", "enabled=1"));
+        user.dialogs.expect("VOK Repository Configuration Editor")
+            .act([&](QWidget* window) {
+                auto* dialog = qobject_cast<RepoEditor::Dialog*>(window);
+                QVERIFY(dialog);
+                const RepoEditorDriver editor(dialog);
+                // The repository is off in its file, and used for this run.
+                editor.click("testing", RepoEditor::ColumnUse);
             })
             .press("OK");
         QVERIFY(user.start());
@@ -289,8 +285,31 @@ private Q_SLOTS:
         for (int row = 0; row < user.model()->rowCount(); ++row)
             repositories
                 << user.model()->index(row, PackageTable::ColumnRepository).data().toString();
-        QVERIFY(repositories.contains("copied"));
-        QVERIFY(!repositories.contains("testing"));
+        QVERIFY(repositories.contains("testing"));
+    }
+
+    void repositoriesForMembersOpenWithOneAnswer()
+    {
+        const SandboxRoot root;
+        WindowDriver user;
+        RepoAuthUser asked;
+        for (const char* id : {"members", "minutes"})
+            user.window().addRepoOverride(YumRepoEnabled(true, QLatin1String(id)));
+        user.dialogs.expect("VOK Authentication").leave();
+        asked.answer("Apply to All with this Host", "demo", "secret");
+        QVERIFY(user.start());
+        QCOMPARE(asked.asked.size(), 1);
+        user.select("state", PackageTable::ViewAll);
+        const QStringList listed = user.listed();
+        QVERIFY(listed.contains("members-handbook") && listed.contains("members-minutes"));
+        QFile file(root.path("etc/yum.repos.d/members.repo"));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray text = file.readAll();
+        QVERIFY(text.contains("/vantry?user=demo&pass=secret&path=/"));
+        QVERIFY(text.contains("/rhel/user=demo/pass=secret/"));
+        QVERIFY(user.logWindow() == nullptr);
+        user.action("Log")->trigger();
+        QVERIFY(!user.logText().contains("secret"));
     }
 };
 

@@ -4,13 +4,12 @@
 #include "engine/TransactionGuard.h"
 #include "kit/HFrameLabel.h"
 #include "support/ProcessPerTest.h"
+#include "unit/repo/RepoEditorDriver.h"
 
 #include <QAction>
 #include <QApplication>
 #include <QFile>
 #include <QJsonArray>
-
-#include <QMessageBox>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTableView>
@@ -26,6 +25,17 @@ const char viewer[] = "#!/bin/sh\n"
                       "dir=$(dirname \"$0\")\n"
                       "printf '%s\\n' \"$@\" > \"$dir/part\"\n"
                       "mv \"$dir/part\" \"$dir/seen\"\n";
+
+const char editorTitle[] = "VOK Repository Configuration Editor";
+
+void addSecondRepository(WindowLife& life)
+{
+    WindowLife::writeFile(life.rootPath(QStringLiteral("etc/yum.repos.d/second.repo")),
+                          "[second]\nname=Second\nbaseurl=file:///second\nenabled=1\n");
+    life.system["repos"] =
+        QJsonObject{{"base", QJsonObject{{"enabled", 1}}}, {"second", QJsonObject{{"enabled", 1}}}};
+    life.play();
+}
 
 QByteArray contents(const QString& path)
 {
@@ -217,17 +227,18 @@ private Q_SLOTS:
         QCOMPARE(TransactionGuard::pendingSignal(), SIGTERM);
     }
 
-    void theRepositoryBoxNamesTheFilesAndReadsTheListAnew()
+    void aChangeInTheRepositoryEditorReadsTheListAnew()
     {
         WindowLife life;
+        addSecondRepository(life);
         QVERIFY(life.start());
         QVERIFY(life.clickAction("alpha"));
         life.calls();
-        life.dialogs.expect("VOK Repository Editor")
-            .act([&](QWidget* box) {
-                const QString text = qobject_cast<QMessageBox*>(box)->text();
-                for (const char* file : {"etc/yum.conf", "etc/yum.repos.d", "etc/yum/repos.d"})
-                    QVERIFY2(text.contains(life.rootPath(QString::fromLatin1(file))), file);
+        life.dialogs.expect(editorTitle)
+            .act([&](QWidget* window) {
+                const RepoEditorDriver editor(qobject_cast<RepoEditor::Dialog*>(window));
+                QCOMPARE(editor.listed(), (QStringList{"base", "second"}));
+                editor.click("second", RepoEditor::ColumnUse);
                 QVERIFY(life.calls().isEmpty());
                 life.system["updates"] = QJsonArray();
                 life.play();
@@ -235,22 +246,42 @@ private Q_SLOTS:
             .press("OK");
         life.action("Edit Configuration")->trigger();
         QVERIFY(life.dialogs.waitUntilDone());
-        QCOMPARE(life.calls().count("collectAll"), 1);
+        const QStringList calls = life.calls();
+        QCOMPARE(calls.count("collectAll"), 1);
+        QVERIFY(calls.contains("disableRepo"));
         QCOMPARE(life.listed(), QStringList());
         QVERIFY(life.ready());
         QVERIFY(!QApplication::overrideCursor());
     }
 
-    void startingWithTheRepositoryEditorCollectsWhenItIsLeft()
+    void theRepositoryEditorLeftWithoutAChangeKeepsTheList()
+    {
+        WindowLife life;
+        // The force of the start is over when the editor is opened again.
+        life.window().setStartInRepoEditor();
+        life.dialogs.expect(editorTitle).press("OK");
+        QVERIFY(life.start());
+        QVERIFY(life.clickAction("alpha"));
+        life.calls();
+        life.dialogs.expect(editorTitle).press("OK");
+        life.action("Edit Configuration")->trigger();
+        QVERIFY(life.dialogs.waitUntilDone());
+        QVERIFY(!life.calls().contains("collectAll"));
+        QCOMPARE(life.entry("alpha")->action, Package::ActionUpdate);
+        QVERIFY(life.ready());
+        QVERIFY(!QApplication::overrideCursor());
+    }
+
+    void startingWithTheRepositoryEditorCollectsWhenItIsCancelled()
     {
         WindowLife life;
         life.window().setStartInRepoEditor();
         bool met = false;
-        life.dialogs.expect("VOK Repository Editor")
-            .act([&](QWidget* box) {
+        life.dialogs.expect(editorTitle)
+            .act([&](QWidget* window) {
                 met = true;
-                QVERIFY(qobject_cast<QMessageBox*>(box)->text().contains(
-                    life.rootPath(QStringLiteral("etc/yum.repos.d"))));
+                const RepoEditorDriver editor(qobject_cast<RepoEditor::Dialog*>(window));
+                QCOMPARE(editor.listed(), QStringList{"base"});
                 QVERIFY(life.find<QWidget>("mainArea")->isHidden());
                 QVERIFY(life.action("Quit")->isEnabled());
                 QVERIFY(!life.calls().contains("collectAll"));
@@ -262,6 +293,22 @@ private Q_SLOTS:
         QCOMPARE(life.listed(), QStringList{"alpha"});
         QVERIFY(life.table()->columnWidth(3) >=
                 static_cast<QAbstractItemView*>(life.table())->sizeHintForColumn(3));
+        QVERIFY(!QApplication::overrideCursor());
+    }
+
+    void aRepositoryEditorThatCantReadLeavesAWindowToUse()
+    {
+        WindowLife life;
+        QVERIFY(QFile::remove(life.rootPath("etc/yum.conf")));
+        life.window().setStartInRepoEditor();
+        // Once for the editor, and once for the list.
+        for (int i = 0; i < 2; ++i)
+            life.dialogs.expect("VOK Repository Editor Error")
+                .textContains("Unable to read yum configuration file")
+                .press("OK");
+        QVERIFY(life.start());
+        QVERIFY(life.dialogs.waitUntilDone());
+        QCOMPARE(life.calls().count("collectAll"), 1);
         QVERIFY(!QApplication::overrideCursor());
     }
 
