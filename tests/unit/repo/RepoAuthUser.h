@@ -23,7 +23,7 @@ public:
     RepoAuthUser()
     {
         QObject::connect(&timer, &QTimer::timeout, [this] { look(); });
-        timer.start(0);
+        timer.start(5);
     }
     ~RepoAuthUser()
     {

@@ -398,15 +398,18 @@ private Q_SLOTS:
 
     void theEndOfTheApplicationIsNoAnswer()
     {
-        write(section("a", url("one")) + section("b", url("two")));
+        write(section("a", url("one")) + section("b", url("two")) + section("c", url("two")));
         user->answer("OK", "me", "pass");
+        user->answer("Disable for Session");
         user->answer([](RepoAuth::Dialog& dialog) {
             QCoreApplication::quit();
             // For the user of this test, who is asked once for each question.
             RepoAuthUser::button(dialog, "OK")->setEnabled(false);
         });
         QVERIFY(check()->changed);
-        QCOMPARE(user->asked, (QStringList{"a", "b"}));
+        QCOMPARE(user->asked, (QStringList{"a", "b", "c"}));
+        QVERIFY(!io->usedRepos.value("b"));
+        QVERIFY(io->usedRepos.value("c"));
         QVERIFY(content().contains("login=me&secret=pass&"));
     }
 };
