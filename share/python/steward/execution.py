@@ -10,6 +10,7 @@ import logging
 import os
 import re
 import struct
+import time
 
 import dnf.exceptions
 import dnf.yum.rpmtrans
@@ -25,6 +26,8 @@ from steward.texts import masked
 from steward.transaction import BACKWARD
 from yum.Errors import YumBaseError
 
+# Seconds between two events of one package.
+_PAUSE = 0.05
 # From this action on the library tells of its own phases, not of packages.
 _PHASES = 100
 # The program's events in which a package goes by its name.
@@ -69,11 +72,19 @@ class _Display(dnf.yum.rpmtrans.TransactionDisplay):
     def __init__(self, plan):
         super().__init__()
         self._plan = plan
+        self._element = None
+        self._next = 0
         self.failures = []
 
     def progress(self, package, action, ti_done, ti_total, ts_done, ts_total):
         if action >= _PHASES:
             return
+        # A package's first and last event, and what the eye can follow of those between.
+        now = time.monotonic()
+        if ts_done == self._element and ti_done < ti_total and now < self._next:
+            return
+        self._element = ts_done
+        self._next = now + _PAUSE
         event = self._plan.event(package, action)
         if event is not None:
             subject = package.name if event in _REMOVALS else package
