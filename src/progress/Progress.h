@@ -29,24 +29,36 @@ struct ThreadState {
 
 /// The slots of parallel downloads: a value, of which each thread has a copy of its own. The number
 /// of slots is fixed; a new number means a new object. Slot numbers aren't checked.
+///
+/// Each change of a slot sends a copy to the GUI thread. Copies share their slots by the block, so
+/// that a change after it costs one block and not all of hundreds of slots.
 class ThreadsState
 {
 public:
     ThreadsState() = default;
     explicit ThreadsState(unsigned int count)
-        : threads(static_cast<int>(count))
+        : slotCount(count)
+        , blocks(static_cast<int>((count + blockSize - 1) / blockSize), Block(blockSize))
     {
     }
 
-    ThreadState& operator[](unsigned int thread) { return threads[static_cast<int>(thread)]; }
+    ThreadState& operator[](unsigned int thread)
+    {
+        return blocks[static_cast<int>(thread / blockSize)][static_cast<int>(thread % blockSize)];
+    }
     const ThreadState& operator[](unsigned int thread) const
     {
-        return threads.at(static_cast<int>(thread));
+        return blocks.at(static_cast<int>(thread / blockSize))
+            .at(static_cast<int>(thread % blockSize));
     }
-    unsigned int count() const { return static_cast<unsigned int>(threads.size()); }
+    unsigned int count() const { return slotCount; }
 
 private:
-    QVector<ThreadState> threads;
+    using Block = QVector<ThreadState>;
+    static constexpr unsigned int blockSize = 16;
+
+    unsigned int slotCount = 0;
+    QVector<Block> blocks;
 };
 
 /// What the engine tells of a long operation: a total, items within it, acts that share a stretch

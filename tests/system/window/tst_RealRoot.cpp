@@ -81,10 +81,25 @@ public:
                 output("xdotool", {"getwindowgeometry", "--shell", window(mainWindow)});
             return geometry.section("HEIGHT=", 1).section('\n', 0, 0).toInt() > 250;
         };
-        if (!QTest::qWaitFor(high, 20000))
+        // Keys that come while it is still busy are lost.
+        if (!QTest::qWaitFor(high, 20000) || !QTest::qWaitFor([this] { return idle(); }, 20000))
             return false;
         type(mainWindow, toTheTable);
         return true;
+    }
+
+    /// Whether the program needs no processor for a while.
+    bool idle() const
+    {
+        const auto ticks = [this] {
+            QFile file(QStringLiteral("/proc/%1/stat").arg(program->process.processId()));
+            const QList<QByteArray> fields =
+                file.open(QIODevice::ReadOnly) ? file.readAll().split(' ') : QList<QByteArray>();
+            return fields.value(13).toLong() + fields.value(14).toLong();
+        };
+        const long before = ticks();
+        QTest::qWait(300);
+        return ticks() - before <= 1;
     }
 
     static QString window(const QString& title)
