@@ -44,8 +44,10 @@ public:
             {"/tmp/.X11-unix", VOK_SOURCE, QFileInfo(QStringLiteral(VOK_SANDBOX)).path()});
         if (!refused.isEmpty())
             return;
-        for (const char* folder : {"/etc/yum", "/etc/yum.repos.d", "/var/lib/rpm", "/var/lib/dnf",
-                                   "/var/cache/yum", "/root/.rpmdb", "/.rpmdb"})
+        const QStringList folders{"/etc/yum",     "/etc/yum.repos.d", "/var/lib/rpm",
+                                  "/var/lib/dnf", "/var/cache/yum",   QDir::homePath() + "/.rpmdb",
+                                  "/.rpmdb"};
+        for (const QString& folder : folders)
             QDir(folder).removeRecursively();
         for (const char* part : {"/etc", "/usr", "/var/lib/rpm"}) {
             QDir().mkpath(part);
