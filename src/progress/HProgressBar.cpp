@@ -2,6 +2,14 @@
 #include "progress/HProgressBar.h"
 
 #include <QHelpEvent>
+#include <QTimerEvent>
+
+namespace
+{
+
+constexpr int paintPauseMsecs = 30;
+
+} // namespace
 
 HProgressBar::HProgressBar(QWidget* parent)
     : QProgressBar(parent)
@@ -13,7 +21,7 @@ void HProgressBar::setActivity(const QString& activity)
     if (this->activity == activity)
         return;
     this->activity = activity;
-    update();
+    paintSoon();
 }
 
 QString HProgressBar::text() const
@@ -31,6 +39,50 @@ void HProgressBar::reset()
 {
     activity.clear();
     QProgressBar::reset();
+}
+
+void HProgressBar::setMaximum(int maximum)
+{
+    if (maximum != this->maximum())
+        quietly([&] { QProgressBar::setMaximum(maximum); });
+}
+
+void HProgressBar::setValue(int value)
+{
+    if (value != this->value())
+        quietly([&] { QProgressBar::setValue(value); });
+}
+
+template<typename Change> void HProgressBar::quietly(Change change)
+{
+    const bool wasQuiet = testAttribute(Qt::WA_UpdatesDisabled);
+    setAttribute(Qt::WA_UpdatesDisabled);
+    change();
+    setAttribute(Qt::WA_UpdatesDisabled, wasQuiet);
+    paintSoon();
+}
+
+void HProgressBar::paintSoon()
+{
+    if (sincePaint.isActive()) {
+        unpainted = true;
+        return;
+    }
+    update();
+    sincePaint.start(paintPauseMsecs, this);
+}
+
+void HProgressBar::timerEvent(QTimerEvent* event)
+{
+    if (event->timerId() != sincePaint.timerId()) {
+        QProgressBar::timerEvent(event);
+        return;
+    }
+    sincePaint.stop();
+    if (unpainted) {
+        unpainted = false;
+        paintSoon();
+    }
 }
 
 bool HProgressBar::event(QEvent* event)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "progress/HProgressBar.h"
 
+#include <QElapsedTimer>
 #include <QHelpEvent>
 #include <QSignalSpy>
 #include <QTest>
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void percentSignsOfTheActivityStay();
     void resetForgetsTheActivity();
     void repaintsOnlyForAnotherActivity();
+    void paintsFewOfManySteps();
     void tellsOfAToolTipWhereTheWindowIsActive();
     void isSilentWhereTheWindowIsNot();
     void tellsOfAToolTipWhereTheWindowAlwaysShowsThem();
@@ -30,11 +32,13 @@ class PaintedBar : public HProgressBar
 {
 public:
     int paints = 0;
+    QString painted; ///< what the last painting showed
 
 protected:
     void paintEvent(QPaintEvent* event) override
     {
         ++paints;
+        painted = text();
         HProgressBar::paintEvent(event);
     }
 };
@@ -104,6 +108,29 @@ void TestHProgressBar::repaintsOnlyForAnotherActivity()
     QCOMPARE(bar.paints, 0);
     bar.setActivity(QStringLiteral("Writing"));
     QTRY_COMPARE(bar.paints, 1);
+}
+
+void TestHProgressBar::paintsFewOfManySteps()
+{
+    PaintedBar bar;
+    bar.setMaximum(1000);
+    bar.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&bar));
+    QTRY_VERIFY(bar.paints > 0);
+
+    bar.paints = 0;
+    QElapsedTimer clock;
+    clock.start();
+    for (int step = 1; step <= 1000; ++step) {
+        bar.setActivity(QString::number(step));
+        bar.setValue(step);
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(bar.value(), 1000);
+    const qint64 most = clock.elapsed() / 20 + 2;
+    QVERIFY2(bar.paints <= most, qPrintable(QString::number(bar.paints)));
+    // The last one is not forgotten.
+    QTRY_COMPARE(bar.painted, QStringLiteral("1000 (100%)"));
 }
 
 void TestHProgressBar::tellsOfAToolTipWhereTheWindowIsActive()
