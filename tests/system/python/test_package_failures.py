@@ -274,7 +274,7 @@ class Mirrors(Fetching):
         names = ['p%02d' % number for number in range(16)]
         mirrors = ['mirror%d' % number for number in range(6)]
         self.repository('many', [Rpm(name) for name in names], baseurl=False,
-                        text='timeout=1\nmax_parallel_downloads=2\nbaseurl=%s\n'
+                        text='timeout=2\nmax_parallel_downloads=2\nbaseurl=%s\n'
                         % ' '.join('%s/%s' % (self.server.url, mirror) for mirror in mirrors))
         for mirror in mirrors:
             os.symlink('many', os.path.join(self.served, mirror))
