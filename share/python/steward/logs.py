@@ -97,6 +97,9 @@ def start():
         sys.stdout = Stream(yumIOC.stdoutWrite, 1)
         sys.stderr = Stream(yumIOC.stderrWrite, 2)
     logging.raiseExceptions = False
+    # Nobody is told where a line comes from, and the library logs a line or two of each package.
+    logging._srcfile = None
+    logging.logThreads = logging.logProcesses = logging.logMultiprocessing = False
     for name in LOGGERS:
         logger = logging.getLogger(name)
         logger.setLevel(dnf.logging.ALL)

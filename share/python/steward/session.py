@@ -6,6 +6,7 @@ the next one has to ask the servers.
 """
 
 import functools
+import gc
 import shutil
 
 import hawkey
@@ -16,6 +17,9 @@ from steward import packagefiles, packages, signatures, system, transaction
 from yum.Errors import YumBaseError
 
 logs.start()
+# What is there by now stays for good. The library collects garbage whenever it closes something, and
+# would look through all of it each time. Python has this from 3.7 on.
+getattr(gc, 'freeze', lambda: None)()
 
 
 class _Process:
