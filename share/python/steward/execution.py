@@ -6,6 +6,8 @@ meanwhile; and an exception that left a callback would end the process.
 """
 
 import fcntl
+import functools
+import io
 import logging
 import os
 import re
@@ -13,6 +15,7 @@ import struct
 import time
 
 import dnf.exceptions
+import dnf.util
 import dnf.yum.rpmtrans
 import rpm
 import yumIOC
@@ -28,6 +31,9 @@ from yum.Errors import YumBaseError
 
 # Seconds between two events of one package.
 _PAUSE = 0.05
+_LIBRARYS = dnf.yum.rpmtrans.RPMTransaction
+# rpm's callbacks of which there are many a package.
+_MANY = (rpm.RPMCALLBACK_INST_PROGRESS, rpm.RPMCALLBACK_UNINST_PROGRESS)
 # From this action on the library tells of its own phases, not of packages.
 _PHASES = 100
 # The program's events in which a package goes by its name.
@@ -66,31 +72,119 @@ def _is_untold(record):
     return record.levelno != logging.INFO and not _SCRIPTLET.match(record.getMessage())
 
 
-class _Display(dnf.yum.rpmtrans.TransactionDisplay):
-    """What rpm tells of the run, for the program."""
+class _Element:
+    """An item of the library's transaction as its callbacks read it, without the look-up that the
+    item itself makes for each."""
 
-    def __init__(self, plan):
+    __slots__ = ('item', 'pkg', 'action', 'path')
+
+    def __init__(self, item):
+        self.item = item
+        self.pkg = item.pkg
+        self.action = item.action
+        self.path = None
+
+    def __str__(self):
+        return str(self.item)
+
+
+class _Events(_LIBRARYS):
+    """The library's answers to rpm's callbacks, with what it would find out for each of them kept.
+
+    rpm calls back some twenty times a package; the library looks for the item of a removal among
+    all others each time.
+    """
+
+    def __init__(self, keep, base, test=False, displays=()):
+        """`keep` takes an exception: rpm goes on whatever happens here, as half a transaction is
+        worse than one that nobody watches."""
+        super().__init__(base, test=test, displays=displays)
+        self._keep = keep
+        self._by_key = {}
+        self._by_name = None
+        self._next = 0.0
+
+    def callback(self, what, amount, total, key, client_data):
+        try:
+            if what in _MANY:
+                # A package's first and last, and what the eye can follow of those between.
+                now = time.monotonic()
+                if amount < total and now < self._next:
+                    return None
+                self._next = now + _PAUSE
+            return super().callback(what, amount, total, key, client_data)
+        except BaseException as exc:  # pylint: disable=broad-except
+            self._keep(exc)
+            return None
+
+    def _elemProgress(self, key, index):
+        self._next = 0.0
+        super()._elemProgress(key, index)
+
+    def _extract_cbkey(self, cbkey):
+        # By identity, as a key lives as long as its element is kept here.
+        known = self._by_key.get(id(cbkey))
+        if known is None:
+            if hasattr(cbkey, 'pkg'):
+                known = self._by_key[id(cbkey)] = [_Element(cbkey)]
+            else:
+                known = self._removed(dnf.util._te_nevra(self._te_list[self._te_index])) \
+                    or super()._extract_cbkey(cbkey)
+        return known
+
+    def _removed(self, name):
+        """The items of a package that rpm knows by its name only."""
+        if self._by_name is None:
+            self._by_name = {}
+            for item in self.base.transaction:
+                if item.action in dnf.yum.rpmtrans.RPM_ACTIONS_SET:
+                    self._by_name.setdefault(str(item), []).append(_Element(item))
+        return self._by_name.get(name)
+
+    def _instOpenFile(self, key):
+        element = self._extract_cbkey(key)[0]
+        if element.path is None:
+            element.path = element.pkg.localPkg()
+        try:
+            self.fd = io.FileIO(element.path)
+        except OSError as exc:
+            for display in self.displays:
+                display.error('%s cannot be opened: %s' % (element.path, exc.strerror))
+            return None
+        return self.fd.fileno()
+
+
+def _kept(method):
+    """A method of a display whose exceptions are kept: the library would log them as its own."""
+    @functools.wraps(method)
+    def call(self, *args):
+        try:
+            method(self, *args)
+        except BaseException as exc:  # pylint: disable=broad-except
+            self.keep(exc)
+    return call
+
+
+class _Display(dnf.yum.rpmtrans.TransactionDisplay):
+    """What rpm tells of the run, for the program. `keep` as with _Events."""
+
+    def __init__(self, plan, keep):
         super().__init__()
         self._plan = plan
-        self._element = None
-        self._next = 0
+        self.keep = keep
         self.failures = []
 
+    @_kept
     def progress(self, package, action, ti_done, ti_total, ts_done, ts_total):
         if action >= _PHASES:
             return
-        # A package's first and last event, and what the eye can follow of those between.
-        now = time.monotonic()
-        if ts_done == self._element and ti_done < ti_total and now < self._next:
-            return
-        self._element = ts_done
-        self._next = now + _PAUSE
         event = self._plan.event(package, action)
         if event is not None:
             subject = package.name if event in _REMOVALS else package
             yumIOC.tsEvent(subject, event, int(ti_done), int(ti_total), int(ts_done),
                            int(ts_total))
 
+    @_kept
     def scriptout(self, msgs):
         if not msgs:
             return
@@ -102,6 +196,7 @@ class _Display(dnf.yum.rpmtrans.TransactionDisplay):
                 if _COMPLAINT.match(line):
                     self._failed(line.partition(': ')[2])
 
+    @_kept
     def error(self, message):
         self._failed(_plain(str(message)))
 
@@ -125,7 +220,7 @@ class Run:
     def __init__(self, plan):
         self._plan = plan
         self._base = plan.system.base
-        self._display = _Display(plan)
+        self._display = _Display(plan, self._keep)
         self._log = _Failures()
         self._began = False
         self._raised = None
@@ -139,6 +234,7 @@ class Run:
         outputs.addFilter(_is_untold)
         library.addHandler(self._log)
         self._base._run_transaction = self._announced
+        dnf.yum.rpmtrans.RPMTransaction = functools.partial(_Events, self._keep)
         try:
             self._base.do_transaction(display=self._display)
         except LIBRARY as exc:
@@ -146,6 +242,7 @@ class Run:
             problem = YumBaseError(self._ended_badly(text) if self._began and text != _NOT_RUN
                                    else self._not_run(text))
         finally:
+            dnf.yum.rpmtrans.RPMTransaction = _LIBRARYS
             del self._base._run_transaction
             library.removeHandler(self._log)
             outputs.removeFilter(_is_untold)
@@ -159,27 +256,7 @@ class Run:
         """The library's step between the test and the end of the run."""
         yumIOC.tsInitCallback(1)
         self._began = True
-        callback = cb.callback
-
-        def guarded(*args):
-            try:
-                return callback(*args)
-            except BaseException as exc:  # pylint: disable=broad-except
-                # rpm goes on: half a transaction is worse than one that nobody watches.
-                self._keep(exc)
-                return None
-        cb.callback = guarded
-        for name in ('progress', 'scriptout', 'error'):
-            setattr(self._display, name, self._kept(getattr(self._display, name)))
         return type(self._base)._run_transaction(self._base, cb)
-
-    def _kept(self, method):
-        def call(*args):
-            try:
-                method(*args)
-            except BaseException as exc:  # pylint: disable=broad-except
-                self._keep(exc)
-        return call
 
     def _keep(self, exc):
         if self._raised is None:

@@ -45,7 +45,11 @@ class ProgramHandler(logging.Handler):
 
     def emit(self, record):
         try:
-            text = masked(_REWORDED.get(record.msg) or self.format(record))
+            text = _REWORDED.get(record.msg)
+            if text is None:
+                # The format is that of the bare message.
+                text = self.format(record) if record.exc_info else record.getMessage()
+            text = masked(text)
             if record.levelno >= logging.WARNING:
                 yumIOC.errorlog(_level(record.levelno, _ERROR_LEVELS, 2), text)
             else:

@@ -12,8 +12,8 @@ import shutil
 import hawkey
 import yumIOC
 
-from steward import arches, caches, errors, execution, extradata, groups, lock, logs, meters
-from steward import packagefiles, packages, signatures, system, transaction
+from steward import arches, caches, cleaning, errors, execution, extradata, groups, lock, logs
+from steward import meters, packagefiles, packages, signatures, system, transaction
 from yum.Errors import YumBaseError
 
 logs.start()
@@ -197,6 +197,7 @@ class Session:
     def apply(self, installs, updates, removes):
         """The marked changes as one transaction, which the user sees and confirms before."""
         self._applying = True
+        cleaning.finish()
         self._sack()
         if not system.is_superuser():
             raise YumBaseError('The packages of a system can only be changed with superuser '
@@ -256,6 +257,7 @@ class Session:
     # Caches
 
     def _clean(self, pattern, kind):
+        cleaning.finish()
         return caches.clean(self.system.conf.cachedir, pattern, kind,
                             functools.partial(yumIOC.log, 2))
 

@@ -25,7 +25,7 @@ import libdnf.conf
 import libdnf.error
 import rpm
 
-from steward import extradata, lock, metadata, packages
+from steward import cleaning, extradata, lock, metadata, packages
 from steward.errors import repo_error, text_of
 from steward.keys import KeyQuestion
 from yum.Errors import RepoError
@@ -401,6 +401,8 @@ class System:
         self.close_database()
         try:
             self._unload_plugins()
+            # What a transaction was made of.
+            self.base._clean_packages = cleaning.remove
             self.base.close()
         except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError, KeyError, OSError) as exc:
             LOGGER.warning('%s', text_of(exc))

@@ -413,6 +413,17 @@ class Around(ApplyTest):
         program.apply('install alpha')
         self.assertEqual(package_files(self), [])
 
+    def test_theNextWorkTellsWhatOfThemCouldNotBeRemoved(self):
+        from steward import cleaning
+        program = self.begin([], [Rpm('alpha'), Rpm('beta')])
+        stuck = os.path.join(self.top, 'stuck')
+        os.mkdir(stuck)
+        cleaning.remove([stuck, os.path.join(self.top, 'never there')])
+        program.apply('install alpha')
+        warnings = [call for call in yumIOC.named('errorlog') if 'cannot be removed' in call[2]]
+        self.assertEqual(len(warnings), 1)
+        self.assertIn(stuck, warnings[0][2])
+
     def test_keepcacheKeepsThem(self):
         self.config('[main]\nkeepcache=1\n')
         program = self.begin([], [Rpm('alpha')])
