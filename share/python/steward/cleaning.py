@@ -1,8 +1,8 @@
 # SPDX-License-Identifier: GPL-2.0-or-later
 """Removes package files that have served their purpose, while other work goes on.
 
-On a disk that is still busy with a transaction the removal takes a while, and nobody has to wait for
-its end but the next work on the same files. The process ends after it.
+On a disk that is still busy with a transaction the removal takes a while, in which the list of
+packages can be collected anew.
 """
 
 import logging
