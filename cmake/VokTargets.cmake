@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: GPL-2.0-or-later
 # Helpers that keep the CMakeLists.txt of each folder to a line or two.
 
 option(VOK_WERROR "Treat warnings as errors" ON)
