@@ -163,7 +163,7 @@ bool Unattended::active()
     return unattended;
 }
 
-void Unattended::serve(QObject* object, std::function<void()> takenOver)
+void Unattended::serve(QObject* object, const std::function<void()>& takenOver)
 {
     Shared& all = shared();
     const std::lock_guard<std::mutex> lock(all.mutex);
@@ -171,7 +171,7 @@ void Unattended::serve(QObject* object, std::function<void()> takenOver)
         handOver(all, object, takenOver);
     else
         object->moveToThread(QCoreApplication::instance()->thread());
-    all.served.insert(object, std::move(takenOver));
+    all.served.insert(object, takenOver);
 }
 
 void Unattended::forget(QObject* object)

@@ -39,7 +39,7 @@ public:
     /// Gives an object of the calling thread to the thread that answers work threads. When another
     /// takes over from the GUI thread the object goes with all that was posted to it, and
     /// `takenOver` is run there. Until forget(), which the object's destructor calls.
-    static void serve(QObject* object, std::function<void()> takenOver = nullptr);
+    static void serve(QObject* object, const std::function<void()>& takenOver = nullptr);
     static void forget(QObject* object);
 
     /// Where the process's messages go while its own descriptor is captured; -1 for nowhere else.

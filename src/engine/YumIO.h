@@ -343,7 +343,7 @@ protected:
     void applyGrpLog(const Package::Entry* group, const Package::Entry* package);
     void applyGrpLogWas(const Package::Entry* group, const Package::Entry* package);
     void applyGrpLogNot(const Package::Entry* group, const Package::Entry* package,
-                        Package::Action action, QString reason);
+                        Package::Action action, const QString& reason);
     /// New references to sequences of package names.
     PyObject* requiredPkgs(const Package::Entry* group);
     PyObject* pkgTree(const Package::Entry* group);

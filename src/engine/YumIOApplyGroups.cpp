@@ -223,7 +223,7 @@ void YumIO::applyGrpLogWas(const Package::Entry* group, const Package::Entry* pa
 }
 
 void YumIO::applyGrpLogNot(const Package::Entry* group, const Package::Entry* package,
-                           Package::Action action, QString reason)
+                           Package::Action action, const QString& reason)
 {
     log(Log::Plain, 4,
         tr("For group %1, not marking package %2 for %3, becuase %4")
