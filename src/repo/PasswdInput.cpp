@@ -2,10 +2,47 @@
 #include "repo/PasswdInput.h"
 
 #include <QAccessibleWidget>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QRegularExpressionMatch>
 #include <QStyle>
 #include <QWidget>
+
+namespace
+{
+
+/// Whether a key inserts its own text.
+bool isTyped(const QKeyEvent* key)
+{
+    // Alt with Ctrl is how some keyboards reach a third character; Alt alone is up to the widget.
+    const Qt::KeyboardModifiers modifiers = key->modifiers() & ~Qt::KeypadModifier;
+    if (modifiers == Qt::ControlModifier || modifiers == (Qt::ControlModifier | Qt::ShiftModifier))
+        return false;
+    const QString text = key->text();
+    return !text.isEmpty() && (text.at(0).isPrint() || text.at(0).isSurrogate() ||
+                               text.at(0).category() == QChar::Other_Format);
+}
+
+/// Whether a key brings back text of the past, which only the twin knows.
+bool isOfHistory(const QKeyEvent* key)
+{
+    return key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo);
+}
+
+/// Whether a key does something that a widget must not do by itself if it has the real text or
+/// isn't on the screen: put text into the clipboard, or remove words or lines as they are seen.
+bool isForTheVisible(const QKeyEvent* key)
+{
+    for (const QKeySequence::StandardKey standard :
+         {QKeySequence::Copy, QKeySequence::Cut, QKeySequence::DeleteEndOfLine,
+          QKeySequence::DeleteCompleteLine, QKeySequence::DeleteStartOfWord,
+          QKeySequence::DeleteEndOfWord})
+        if (key->matches(standard))
+            return true;
+    return false;
+}
+
+} // namespace
 
 PasswdInput::Change PasswdInput::change(const QString& before, const QString& after, int cursor)
 {
@@ -35,31 +72,52 @@ void PasswdInput::mask(QString& text, const QRegularExpressionMatch& match, cons
     }
 }
 
-bool PasswdInput::isTyped(const QKeyEvent* key)
+bool PasswdInput::deliver(
+    QEvent* event, const std::function<bool(QEvent*)>& deal,
+    const std::function<QString(const QString& text, int length)>& maskedInsertion)
 {
-    // Alt with Ctrl is how some keyboards reach a third character; Alt alone is up to the widget.
-    const Qt::KeyboardModifiers modifiers = key->modifiers() & ~Qt::KeypadModifier;
-    if (modifiers == Qt::ControlModifier || modifiers == (Qt::ControlModifier | Qt::ShiftModifier))
+    const auto dealInstead = [&](QEvent& hidden) {
+        const bool result = deal(&hidden);
+        event->setAccepted(hidden.isAccepted());
+        return result;
+    };
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (!isTyped(key))
+            return deal(event);
+        QKeyEvent hidden(QEvent::KeyPress, key->key(), key->modifiers(), key->nativeScanCode(),
+                         key->nativeVirtualKey(), key->nativeModifiers(),
+                         maskedInsertion(key->text(), key->text().size()), key->isAutoRepeat(),
+                         static_cast<ushort>(key->count()));
+        hidden.setTimestamp(key->timestamp());
+        return dealInstead(hidden);
+    }
+    if (event->type() == QEvent::InputMethod) {
+        const auto* input = static_cast<QInputMethodEvent*>(event);
+        const QString preedit = input->preeditString();
+        QInputMethodEvent hidden(maskedInsertion(input->commitString() + preedit, preedit.size()),
+                                 input->attributes());
+        hidden.setCommitString(input->commitString(), input->replacementStart(),
+                               input->replacementLength());
+        return dealInstead(hidden);
+    }
+    return deal(event);
+}
+
+bool PasswdInput::isForTheTwin(const QEvent* event, bool accepts, bool changed)
+{
+    switch (event->type()) {
+    case QEvent::KeyRelease:
+    case QEvent::Move:
+    case QEvent::Resize:
+        return true;
+    case QEvent::KeyPress: {
+        const auto* key = static_cast<const QKeyEvent*>(event);
+        return accepts && (isTyped(key) || isOfHistory(key) || (changed && !isForTheVisible(key)));
+    }
+    default:
         return false;
-    const QString text = key->text();
-    return !text.isEmpty() && (text.at(0).isPrint() || text.at(0).isSurrogate() ||
-                               text.at(0).category() == QChar::Other_Format);
-}
-
-bool PasswdInput::isOfHistory(const QKeyEvent* key)
-{
-    return key->matches(QKeySequence::Undo) || key->matches(QKeySequence::Redo);
-}
-
-bool PasswdInput::isForTheVisible(const QKeyEvent* key)
-{
-    for (const QKeySequence::StandardKey standard :
-         {QKeySequence::Copy, QKeySequence::Cut, QKeySequence::DeleteEndOfLine,
-          QKeySequence::DeleteCompleteLine, QKeySequence::DeleteStartOfWord,
-          QKeySequence::DeleteEndOfWord})
-        if (key->matches(standard))
-            return true;
-    return false;
+    }
 }
 
 void PasswdInput::hideFromAssistiveTools(QWidget* twin)

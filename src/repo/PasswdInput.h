@@ -3,7 +3,9 @@
 
 #include <QString>
 
-class QKeyEvent;
+#include <functional>
+
+class QEvent;
 class QRegularExpressionMatch;
 class QWidget;
 
@@ -28,15 +30,20 @@ Change change(const QString& before, const QString& after, int cursor);
 /// `widget` shows them.
 void mask(QString& text, const QRegularExpressionMatch& match, const QWidget* widget);
 
-/// Whether a key inserts its own text.
-bool isTyped(const QKeyEvent* key);
+/// Has a visible widget deal with an event as with one that has no secret in it: whatever that
+/// inserts, the password characters come with it.
+///
+/// `deal` is the widget's own way with events; `maskedInsertion` gives how the last `length`
+/// characters of a text will show when the text has replaced the selection.
+bool deliver(QEvent* event, const std::function<bool(QEvent*)>& deal,
+             const std::function<QString(const QString& text, int length)>& maskedInsertion);
 
-/// Whether a key brings back text of the past, which only the twin knows.
-bool isOfHistory(const QKeyEvent* key);
-
-/// Whether a key does something that a widget must not do by itself if it has the real text or
-/// isn't on the screen: put text into the clipboard, or remove words or lines as they are seen.
-bool isForTheVisible(const QKeyEvent* key);
+/// Whether the twin has to see what the visible widget has dealt with: a key that edits, where that
+/// accepts any. `changed` says that the visible text isn't what it was.
+///
+/// A key that only moves the cursor, or copies, is none of the twin's business: its own copy would
+/// be of the real text.
+bool isForTheTwin(const QEvent* event, bool accepts, bool changed);
 
 /// Makes a twin a widget without a text for assistive tools. They are told of every change of a
 /// text, even where it isn't on the screen.

@@ -3,8 +3,7 @@
 #include "kit/Fonts.h"
 #include "repo/PasswdInput.h"
 
-#include <QInputMethodEvent>
-#include <QKeyEvent>
+#include <QEvent>
 
 PasswdLineEdit::PasswdLineEdit(const QRegularExpression& regExp, QWidget* parent)
     : QLineEdit(parent)
@@ -47,59 +46,29 @@ bool PasswdLineEdit::event(QEvent* event)
     if (!real)
         return QLineEdit::event(event);
 
-    const QEvent::Type type = event->type();
-    const bool key = type == QEvent::KeyPress && isEnabled() && !isReadOnly();
-    if (key)
+    const bool accepts = event->type() == QEvent::KeyPress && isEnabled() && !isReadOnly();
+    if (accepts)
         alignTwin();
     ++handling;
-    const bool result = baseEvent(event);
+    const bool result = PasswdInput::deliver(
+        event, [this](QEvent* hidden) { return QLineEdit::event(hidden); },
+        [this](const QString& text, int length) { return maskedInsertion(text, length); });
     if (!real)
         return result;
-
-    // A key that only moves the cursor, or copies, is none of the twin's business: its own copy
-    // would be of the real text.
-    const auto* keyEvent = key ? static_cast<QKeyEvent*>(event) : nullptr;
-    if (type == QEvent::KeyRelease || type == QEvent::Move || type == QEvent::Resize ||
-        (keyEvent && (PasswdInput::isTyped(keyEvent) || PasswdInput::isOfHistory(keyEvent) ||
-                      (text() != shown && !PasswdInput::isForTheVisible(keyEvent))))) {
-        const bool accepted = event->isAccepted();
-        static_cast<QObject*>(real)->event(event);
-        event->setAccepted(accepted);
-    }
+    if (PasswdInput::isForTheTwin(event, accepts, text() != shown))
+        forward(event);
     --handling;
     if (handling == 0)
         settle();
     return result;
 }
 
-/// Lets the base class react to the event as to one with no secret in it.
-bool PasswdLineEdit::baseEvent(QEvent* event)
+/// Gives the twin an event that the visible widget has dealt with.
+void PasswdLineEdit::forward(QEvent* event)
 {
-    if (event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (!PasswdInput::isTyped(key))
-            return QLineEdit::event(event);
-        QKeyEvent hidden(QEvent::KeyPress, key->key(), key->modifiers(), key->nativeScanCode(),
-                         key->nativeVirtualKey(), key->nativeModifiers(),
-                         maskedInsertion(key->text(), key->text().size()), key->isAutoRepeat(),
-                         static_cast<ushort>(key->count()));
-        hidden.setTimestamp(key->timestamp());
-        const bool result = QLineEdit::event(&hidden);
-        event->setAccepted(hidden.isAccepted());
-        return result;
-    }
-    if (event->type() == QEvent::InputMethod) {
-        const auto* input = static_cast<QInputMethodEvent*>(event);
-        QInputMethodEvent hidden(maskedInsertion(input->commitString() + input->preeditString(),
-                                                 input->preeditString().size()),
-                                 input->attributes());
-        hidden.setCommitString(input->commitString(), input->replacementStart(),
-                               input->replacementLength());
-        const bool result = QLineEdit::event(&hidden);
-        event->setAccepted(hidden.isAccepted());
-        return result;
-    }
-    return QLineEdit::event(event);
+    const bool accepted = event->isAccepted();
+    static_cast<QObject*>(real)->event(event);
+    event->setAccepted(accepted);
 }
 
 void PasswdLineEdit::contextMenuEvent(QContextMenuEvent*) {}

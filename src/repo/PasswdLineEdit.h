@@ -39,7 +39,7 @@ protected:
 private:
     QString masked(const QString& text) const;
     QString maskedInsertion(const QString& text, int length) const;
-    bool baseEvent(QEvent* event);
+    void forward(QEvent* event);
     void alignTwin();
     void settle();
 

@@ -3,8 +3,7 @@
 #include "kit/Fonts.h"
 #include "repo/PasswdInput.h"
 
-#include <QInputMethodEvent>
-#include <QKeyEvent>
+#include <QEvent>
 #include <QScrollBar>
 #include <QTextCursor>
 
@@ -84,21 +83,16 @@ bool PasswdTextEdit::event(QEvent* event)
     if (!real)
         return HTextEdit::event(event);
 
-    const QEvent::Type type = event->type();
-    const bool key = type == QEvent::KeyPress && isEnabled() && !isReadOnly();
-    if (key)
+    const bool accepts = event->type() == QEvent::KeyPress && isEnabled() && !isReadOnly();
+    if (accepts)
         alignTwin();
     ++handling;
-    const bool result = baseEvent(event);
+    const bool result = PasswdInput::deliver(
+        event, [this](QEvent* hidden) { return HTextEdit::event(hidden); },
+        [this](const QString& text, int length) { return maskedInsertion(text, length); });
     if (!real)
         return result;
-
-    // A key that only moves the cursor, or copies, is none of the twin's business: its own copy
-    // would be of the real text.
-    const auto* keyEvent = key ? static_cast<QKeyEvent*>(event) : nullptr;
-    if (type == QEvent::KeyRelease || type == QEvent::Move || type == QEvent::Resize ||
-        (keyEvent && (PasswdInput::isTyped(keyEvent) || PasswdInput::isOfHistory(keyEvent) ||
-                      (toPlainText() != shown && !PasswdInput::isForTheVisible(keyEvent)))))
+    if (PasswdInput::isForTheTwin(event, accepts, toPlainText() != shown))
         forward(event);
     --handling;
     if (handling == 0 && !masking)
@@ -129,36 +123,6 @@ void PasswdTextEdit::forward(QEvent* event)
     // An undo moves the cursor only after it has told of the text.
     if (followed)
         select(this, real->textCursor().anchor(), real->textCursor().position());
-}
-
-/// Lets the base class react to the event as to one with no secret in it.
-bool PasswdTextEdit::baseEvent(QEvent* event)
-{
-    if (event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (!PasswdInput::isTyped(key))
-            return HTextEdit::event(event);
-        QKeyEvent hidden(QEvent::KeyPress, key->key(), key->modifiers(), key->nativeScanCode(),
-                         key->nativeVirtualKey(), key->nativeModifiers(),
-                         maskedInsertion(key->text(), key->text().size()), key->isAutoRepeat(),
-                         static_cast<ushort>(key->count()));
-        hidden.setTimestamp(key->timestamp());
-        const bool result = HTextEdit::event(&hidden);
-        event->setAccepted(hidden.isAccepted());
-        return result;
-    }
-    if (event->type() == QEvent::InputMethod) {
-        const auto* input = static_cast<QInputMethodEvent*>(event);
-        const QString preedit = input->preeditString();
-        QInputMethodEvent hidden(maskedInsertion(input->commitString() + preedit, preedit.size()),
-                                 input->attributes());
-        hidden.setCommitString(input->commitString(), input->replacementStart(),
-                               input->replacementLength());
-        const bool result = HTextEdit::event(&hidden);
-        event->setAccepted(hidden.isAccepted());
-        return result;
-    }
-    return HTextEdit::event(event);
 }
 
 void PasswdTextEdit::contextMenuEvent(QContextMenuEvent*) {}

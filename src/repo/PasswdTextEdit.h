@@ -43,7 +43,6 @@ private:
     void init();
     QString masked(QString text) const;
     QString maskedInsertion(const QString& text, int length) const;
-    bool baseEvent(QEvent* event);
     void forward(QEvent* event);
     void alignTwin();
     void settle();
