@@ -20,6 +20,7 @@ HFrameLabel::HFrameLabel(const QString& text, QWidget* parent, Qt::WindowFlags f
     setAutoFillBackground(true);
     m_box->setContentsMargins(2, 2, 2, 2);
     m_label->setAlignment(Qt::AlignCenter);
+    m_label->setTextFormat(Qt::PlainText);
     m_box->addWidget(m_label);
     m_label->show();
     HFrameLabel::setText(text);

@@ -49,6 +49,15 @@ private Q_SLOTS:
         QCOMPARE(label.palette().color(QPalette::Window), QColor(Colors::okBg()));
     }
 
+    void showsATextThatLooksLikeMarkupAsItIs()
+    {
+        const auto sizeOf = [](const char* text) {
+            return HFrameLabel(QString::fromLatin1(text)).sizeHint();
+        };
+        QVERIFY(sizeOf("<b>m</b>").width() > sizeOf("mmm").width());
+        QCOMPARE(sizeOf("<p>m<p>m").height(), sizeOf("m").height());
+    }
+
     void centresItsTextAndFillsItsBackground()
     {
         HFrameLabel label("text");
