@@ -2,6 +2,7 @@
 #include "repo/RepoAuthDialog.h"
 #include "kit/Fonts.h"
 #include "kit/HSeparator.h"
+#include "repo/ConfigText.h"
 #include "repo/PasswdInput.h"
 #include "repo/Vantry.h"
 #include "repo/YumConfIO.h"
@@ -27,9 +28,10 @@ public:
     QSize minimumSizeHint() const override { return QSize(0, QLabel::minimumSizeHint().height()); }
 };
 
-/// `urls` without the passwords that other URLs of the same repository may have already.
-QString masked(QString urls, const QWidget* widget)
+/// What stored URLs say, without the passwords that some of the same repository may have already.
+QString masked(const QString& stored, const QWidget* widget)
 {
+    QString urls = ConfigText::toShown(stored);
     QRegularExpressionMatchIterator matches = Repo::Vantry::urlsRegExp().globalMatch(urls);
     while (matches.hasNext())
         PasswdInput::mask(urls, matches.next(), widget);
@@ -119,8 +121,8 @@ QSize RepoAuth::Dialog::sizeHint() const
 void RepoAuth::Dialog::exec(Repo::Entry* newEntry)
 {
     entry = newEntry;
-    idLabel->setText(entry->id);
-    nameLabel->setText(entry->name);
+    idLabel->setText(ConfigText::toShown(entry->id));
+    nameLabel->setText(ConfigText::toShown(entry->name));
     urlsLabel->setText(masked(entry->baseurl, this));
     mirrorlistLabel->setText(masked(entry->mirrorlist, this));
 
@@ -129,10 +131,10 @@ void RepoAuth::Dialog::exec(Repo::Entry* newEntry)
     QString key;
     QString password;
     Repo::Vantry::getAuth(*entry, nameKey, name, key, password);
-    authNameKey->setText(nameKey);
-    authNameEdit->setText(name);
-    passwordKey->setText(key);
-    passwordEdit->setText(password);
+    authNameKey->setText(ConfigText::toShown(nameKey));
+    authNameEdit->setText(ConfigText::toShown(name));
+    passwordKey->setText(ConfigText::toShown(key));
+    passwordEdit->setText(ConfigText::toShown(password));
 
     // What holds where the loop is ended without an answer, such as by the application's end.
     setResult(SkipAll);
@@ -188,8 +190,10 @@ void RepoAuth::Dialog::setUrls()
         return;
     // What the labels show are these, but for names and passwords.
     for (QString* urls : {&entry->baseurl, &entry->mirrorlist})
-        *urls = Repo::Vantry::replaceAuth(*urls, authNameKey->text(), authNameEdit->text(),
-                                          passwordKey->text(), passwordEdit->text());
+        *urls = Repo::Vantry::replaceAuth(*urls, ConfigText::toStored(authNameKey->text()),
+                                          ConfigText::toStored(authNameEdit->text()),
+                                          ConfigText::toStored(passwordKey->text()),
+                                          ConfigText::toStored(passwordEdit->text()));
 }
 
 void RepoAuth::Dialog::answer(Result result)

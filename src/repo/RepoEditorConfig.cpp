@@ -15,6 +15,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QRegularExpression>
 
 #include <algorithm>
 
@@ -39,6 +40,53 @@ void letShrink(QTextEdit* edit)
 {
     edit->setMinimumHeight(2 * (edit->fontMetrics().lineSpacing() + edit->frameWidth()) +
                            static_cast<int>(2 * edit->document()->documentMargin()));
+}
+
+/// A line of a file. Fields of one line take over the ends of lines with what is pasted.
+QString lineOf(QString text)
+{
+    static const QRegularExpression ends(QStringLiteral("\\s*[\r\n]\\s*"));
+    return text.contains(ends) ? text.replace(ends, QStringLiteral(" ")).trimmed() : text;
+}
+
+QString textOf(const QLineEdit* edit)
+{
+    return lineOf(edit->text());
+}
+QString textOf(const PasswdLineEdit* edit)
+{
+    return lineOf(edit->realText());
+}
+QString textOf(const HTextEdit* edit)
+{
+    return edit->toPlainText();
+}
+QString textOf(const PasswdTextEdit* edit)
+{
+    return edit->realPlainText();
+}
+
+void setText(QLineEdit* edit, const QString& text)
+{
+    edit->setText(text);
+}
+void setText(PasswdLineEdit* edit, const QString& text)
+{
+    edit->setRealText(text);
+}
+void setText(HTextEdit* edit, const QString& text)
+{
+    edit->setPlainText(text);
+}
+void setText(PasswdTextEdit* edit, const QString& text)
+{
+    edit->setRealPlainText(text);
+}
+
+template<class Edit> ConfigText::InField show(Edit* edit, const QString& stored)
+{
+    setText(edit, ConfigText::toShown(stored));
+    return {stored, textOf(edit)};
 }
 
 } // namespace
@@ -85,9 +133,11 @@ QWidget* RepoEditor::Config::createAuth(QWidget* parent)
     authNameEdit = new QLineEdit(box);
     authNameEdit->setToolTip(
         tr("Authentication name for a repository using the vantry authentication method"));
+    authNameEdit->setAccessibleName(tr("Name"));
     authPasswordLabel = new QLabel(tr("Password"), box);
     authPasswordEdit = new QLineEdit(box);
     authPasswordEdit->setEchoMode(QLineEdit::Password);
+    authPasswordEdit->setAccessibleName(tr("Password"));
     authPasswordEdit->setToolTip(
         tr("Authentication password for a repository using the vantry authentication method"));
 
@@ -204,14 +254,14 @@ void RepoEditor::Config::disable()
 void RepoEditor::Config::setEntry(const Repo::Entry& entry)
 {
     inhibit = true;
-    idEdit->setText(entry.id);
-    nameEdit->setText(entry.name);
-    urlsEdit->setRealPlainText(entry.baseurl);
-    mirrorEdit->setRealText(entry.mirrorlist);
+    id = show(idEdit, entry.id);
+    name = show(nameEdit, entry.name);
+    urls = show(urlsEdit, entry.baseurl);
+    mirror = show(mirrorEdit, entry.mirrorlist);
     const bool hasAuth = showAuth(entry);
     enabledCombo->setCurrentIndex(entry.enabled);
     gpgcheckCombo->setCurrentIndex(entry.gpgcheck);
-    otherEdit->setPlainText(entry.other);
+    other = show(otherEdit, entry.other);
     fileEdit->setText(entry.fileName);
     positionSpin->setValue(entry.filePosition);
     inhibit = false;
@@ -224,14 +274,14 @@ void RepoEditor::Config::setEntry(const Repo::Entry& entry)
 Repo::Entry RepoEditor::Config::toEntry() const
 {
     Repo::Entry entry;
-    entry.id = idEdit->text();
-    entry.name = nameEdit->text();
-    entry.baseurl = urlsEdit->realPlainText();
-    entry.mirrorlist = mirrorEdit->realText();
+    entry.id = id.stored(textOf(idEdit));
+    entry.name = name.stored(textOf(nameEdit));
+    entry.baseurl = urls.stored(textOf(urlsEdit));
+    entry.mirrorlist = mirror.stored(textOf(mirrorEdit));
     entry.enabled = enabledCombo->currentIndex();
     entry.gpgcheck = gpgcheckCombo->currentIndex();
-    entry.other = otherEdit->toPlainText();
-    entry.fileName = fileEdit->text();
+    entry.other = other.stored(textOf(otherEdit));
+    entry.fileName = textOf(fileEdit);
     entry.filePosition = positionSpin->value();
     return entry;
 }
@@ -268,11 +318,11 @@ bool RepoEditor::Config::setStatus(YumConfIO* conf, HFrameLabel* label) const
     }
 
     QString nameKey;
-    QString name;
+    QString user;
     QString passwordKey;
     QString password;
-    if (Repo::Vantry::getAuth(entry, nameKey, name, passwordKey, password)) {
-        if (name.isEmpty())
+    if (Repo::Vantry::getAuth(entry, nameKey, user, passwordKey, password)) {
+        if (user.isEmpty())
             return warning(tr("No Vantry Authentication Name specified"));
         if (password.isEmpty())
             return warning(tr("No Vantry Authentication Password specified"));
@@ -288,11 +338,15 @@ void RepoEditor::Config::setFocusOnIdentifier()
 void RepoEditor::Config::authChanged(const QString&)
 {
     inhibit = true;
-    const QString name = authNameEdit->text();
-    const QString password = authPasswordEdit->text();
-    urlsEdit->setRealPlainText(
-        Repo::Vantry::replaceAuth(urlsEdit->realPlainText(), name, password));
-    mirrorEdit->setRealText(Repo::Vantry::replaceAuth(mirrorEdit->realText(), name, password));
+    const Repo::Entry entry = toEntry();
+    const auto replaced = [this](const QString& url) {
+        // What was encoded and no UTF-8 stands there as it is now.
+        return ConfigText::encodedUnlessUtf8(
+            Repo::Vantry::replaceAuth(url, authName.stored(authNameEdit->text()),
+                                      authPassword.stored(authPasswordEdit->text())));
+    };
+    urls = show(urlsEdit, replaced(entry.baseurl));
+    mirror = show(mirrorEdit, replaced(entry.mirrorlist));
     inhibit = false;
     Q_EMIT changed();
 }
@@ -331,14 +385,15 @@ void RepoEditor::Config::valueChanged(int)
 bool RepoEditor::Config::showAuth(const Repo::Entry& entry)
 {
     QString nameKey;
-    QString name;
+    QString user;
     QString passwordKey;
     QString password;
-    const bool found = Repo::Vantry::getAuth(entry, nameKey, name, passwordKey, password);
-    authNameLabel->setText(nameKey.isEmpty() ? tr("Name") : nameKey);
-    authPasswordLabel->setText(passwordKey.isEmpty() ? tr("Password") : passwordKey);
-    authNameEdit->setText(name);
-    authPasswordEdit->setText(password);
+    const bool found = Repo::Vantry::getAuth(entry, nameKey, user, passwordKey, password);
+    authNameLabel->setText(nameKey.isEmpty() ? tr("Name") : ConfigText::toShown(nameKey));
+    authPasswordLabel->setText(passwordKey.isEmpty() ? tr("Password")
+                                                     : ConfigText::toShown(passwordKey));
+    authName = show(authNameEdit, user);
+    authPassword = show(authPasswordEdit, password);
     return found;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include "repo/ConfigText.h"
 #include "repo/YumConfIO.h"
 
 #include <QObject>
@@ -83,6 +84,14 @@ private:
     HTextEdit* otherEdit = nullptr;
     QLineEdit* fileEdit = nullptr;
     QDoubleSpinBox* positionSpin = nullptr;
+
+    ConfigText::InField id;
+    ConfigText::InField name;
+    ConfigText::InField urls;
+    ConfigText::InField mirror;
+    ConfigText::InField authName;
+    ConfigText::InField authPassword;
+    ConfigText::InField other;
 };
 
 } // namespace RepoEditor

@@ -3,6 +3,7 @@
 
 #include "engine/YumIO.h"
 #include "kit/Share.h"
+#include "repo/ConfigText.h"
 #include "repo/RepoBrowse.h"
 #include "repo/YumConfIO.h"
 
@@ -53,9 +54,9 @@ QVariant Model::data(const QModelIndex& index, int role) const
     switch (role) {
     case Qt::DisplayRole:
         if (index.column() == ColumnId)
-            return entry.id.isEmpty() ? tr("(new)") : entry.id;
+            return entry.id.isEmpty() ? tr("(new)") : ConfigText::toShown(entry.id);
         if (index.column() == ColumnName)
-            return entry.name;
+            return ConfigText::toShown(entry.name);
         break;
     case Qt::DecorationRole:
         if (index.column() == ColumnUse)

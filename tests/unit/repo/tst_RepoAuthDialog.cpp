@@ -157,6 +157,31 @@ private Q_SLOTS:
                  QStringLiteral("http://three/vantry?lo%20gin=m%40&se%2bcret=p%26&path=list"));
     }
 
+    void textsAreShownAndStoredAsUtf8()
+    {
+        entry.name = QString::fromLatin1("Gr\xc3\xbc\xc3\x9f"
+                                         "e");
+        entry.baseurl = QString::fromLatin1("http://one/vantry?l\xc3\xb6=&s=&path=\xc3\xa4/");
+        const auto enter = [this](const char* field, ushort letter) {
+            QTest::sendKeyEvent(QTest::Click, edit(field), Qt::Key_unknown, QString(QChar(letter)),
+                                Qt::NoModifier);
+        };
+        user->answer([&](Dialog& shown) {
+            QCOMPARE(RepoAuthUser::shown(shown, "name"), QStringLiteral("Gr\u00fc\u00dfe"));
+            QCOMPARE(RepoAuthUser::shown(shown, "authNameKey"), QStringLiteral("l\u00f6"));
+            enter("authName", 0xfc);
+            enter("password", 0x20ac);
+            QCOMPARE(
+                RepoAuthUser::shown(shown, "urls"),
+                QStringLiteral("http://one/vantry?l\u00f6=\u00fc&s=%1&path=\u00e4/").arg(mask(1)));
+            RepoAuthUser::press(shown, "OK");
+        });
+        ask();
+        QCOMPARE(entry.baseurl,
+                 QString::fromLatin1(
+                     "http://one/vantry?l\xc3\xb6=\xc3\xbc&s=\xe2\x82\xac&path=\xc3\xa4/"));
+    }
+
     void passwordsOfOtherUrlsAreNotShown()
     {
         entry.baseurl = QStringLiteral("http://one/vantry?l=&s=&path=os/\n"
