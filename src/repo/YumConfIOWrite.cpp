@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/SystemRoot.h"
+#include "repo/ConfigText.h"
 #include "repo/YumConfIO.h"
 
 #include <QFile>
@@ -258,7 +259,7 @@ void YumConfIO::cleanupWrite(QList<Repo::Entry>& entries) const
 
     for (Repo::Entry& entry : entries) {
         if (entry.fileName.isEmpty())
-            entry.fileName = entry.id + QStringLiteral(".repo");
+            entry.fileName = ConfigText::toShown(entry.id) + QStringLiteral(".repo");
         if (entry.fileName.startsWith(root) || isListed(entry.fileName))
             continue;
         if (entry.fileName.startsWith(QLatin1Char('/')))
