@@ -2,14 +2,17 @@
 #include "table/PackageTableDescribeDialog.h"
 
 #include "engine/YumIO.h"
+#include "kit/HScrollArea.h"
 #include "kit/HSeparator.h"
 #include "kit/ScreenLimit.h"
 #include "table/PackageTableDescribeInstanceArea.h"
 #include "table/PackageTableDescribeText.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace PackageTable
@@ -37,6 +40,9 @@ Dialog::Dialog(QWidget* parent)
     auto* box = new QVBoxLayout(this);
     box->addLayout(m_box);
     box->addLayout(buttons);
+
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* now) { reveal(now); });
 }
 
 Dialog::~Dialog()
@@ -59,12 +65,43 @@ void Dialog::config(YumIO* yumIO, const Package::Entry& entry, YumConfIO* conf)
     }
 
     m_contents->setLayout(box);
+    if (!haveRoom())
+        scrollSections();
     m_box->addWidget(m_contents);
     orderTabs();
     // By itself a window gets no more than two thirds of the screen, which leaves next to nothing
     // to the short sections.
     layout()->activate();
     resize(sizeHint().boundedTo(ScreenLimit::of(this)));
+}
+
+bool Dialog::haveRoom() const
+{
+    constexpr int lines = 6;
+    return m_areas.size() * lines * fontMetrics().height() < ScreenLimit::of(this).height();
+}
+
+void Dialog::scrollSections()
+{
+    for (QScrollArea* area : m_contents->findChildren<QScrollArea*>())
+        area->setMinimumHeight(area->sizeHint().height());
+    auto* all = new HScrollArea(this);
+    all->setFrameStyle(static_cast<int>(QFrame::Plain) | QFrame::NoFrame);
+    all->setFocusPolicy(Qt::NoFocus);
+    all->setWidgetResizable(true);
+    all->setWidget(m_contents);
+    m_contents = all;
+}
+
+void Dialog::reveal(QWidget* widget)
+{
+    if (!m_contents || !m_contents->isAncestorOf(widget))
+        return;
+    for (QWidget* parent = widget->parentWidget(); parent != this;
+         parent = parent->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(parent))
+            area->ensureWidgetVisible(widget);
+    }
 }
 
 void Dialog::orderTabs()

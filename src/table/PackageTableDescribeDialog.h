@@ -48,6 +48,12 @@ public:
 
 private:
     void clearContents();
+    /// Whether the window can give each section a few lines.
+    bool haveRoom() const;
+    /// Gives each section what it asks for, and scrolls the sections together.
+    void scrollSections();
+    /// Scrolls a widget that has got the keyboard to where it can be seen.
+    void reveal(QWidget* widget);
     /// The keyboard starts in the first section, which it scrolls, and comes to "Close" last.
     void orderTabs();
 

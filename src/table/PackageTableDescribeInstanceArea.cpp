@@ -232,9 +232,11 @@ void Area::handleRepo()
                                     [&id](const Repo::Entry& entry) { return entry.id == id; });
     if (found == entries.end()) {
         // Taken out of the configuration since the rows were collected.
-        QMessageBox::critical(m_dialog, tr("Error"),
-                              tr("Repository \"%1\" is not in the configuration").arg(id),
-                              QMessageBox::Ok);
+        QMessageBox box(QMessageBox::Critical, tr("Error"),
+                        tr("Repository \"%1\" is not in the configuration").arg(id),
+                        QMessageBox::Ok, m_dialog);
+        box.setTextFormat(Qt::PlainText);
+        box.exec();
         return;
     }
     if (!m_repoDialog)

@@ -25,15 +25,35 @@ namespace Instance
 namespace
 {
 
-/// Passwords where the URL forms' own functions don't look: of a form that is cut off or that
-/// stands behind a broken one, and between a URL's user name and host.
-const QRegularExpression& strayPasswords()
+/// Where passwords may stand that the URL forms' own functions don't find: in a form that is cut
+/// off, has more parts than it should or stands behind a broken one, and between a URL's user name
+/// and host. Of a form, all that belongs to it up to the next URL.
+const QRegularExpression& strayCredentials()
 {
     static const QRegularExpression expression(
-        QStringLiteral("(?:/vantry\\?[^=&\\s]*=[^&\\s]*&[^=&\\s]*=(?<query>[^&\\s]+)"
-                       "|/rhel/[^=/\\s]*=[^/\\s]*/[^=/\\s]*=(?<path>[^/\\s]+)"
-                       "|://[^:/\\s]*:(?<user>[^/\\s]+)@)"));
+        QStringLiteral("/vantry\\?(?<query>\\S*(?:[ \\t]+(?!\\w+:/)\\S+)*)"
+                       "|/rhel/(?<path>[^=/\\s]*=\\S*(?:[ \\t]+(?!\\w+:/)\\S+)*)"
+                       "|://[^:/\\s]*:(?<user>[^/\\s]+)@"));
     return expression;
+}
+
+/// Replaces with marks the value of each "key=value" of a form but the first, which is the user
+/// name. The form is `text` from `start` up to where `end` begins.
+void maskValues(QString& text, int start, int end, QChar separator, QChar mark)
+{
+    for (int number = 0; start < end; ++number) {
+        int next = text.indexOf(separator, start);
+        if (next < 0 || next > end)
+            next = end;
+        const int value = text.indexOf(QLatin1Char('='), start) + 1;
+        const bool hasValue = value > 0 && value <= next;
+        // The rest of a path isn't the form's any more.
+        if (!hasValue && separator == QLatin1Char('/'))
+            return;
+        if (hasValue && number > 0)
+            text.replace(value, next - value, QString(next - value, mark));
+        start = next + 1;
+    }
 }
 
 } // namespace
@@ -111,16 +131,26 @@ QString RepoDialog::masked(const QString& urls) const
     if (Repo::Vantry::getAuth(text, nameKey, name, passwordKey, password))
         text = Repo::Vantry::replaceAuth(text, nameKey, name, passwordKey,
                                          QString(password.size(), mark));
-    // What is masked already is marks before and behind this.
-    auto matches = strayPasswords().globalMatch(text);
+    // What is masked already is as many marks behind this.
+    auto matches = strayCredentials().globalMatch(text);
     while (matches.hasNext()) {
         const QRegularExpressionMatch match = matches.next();
-        for (const char* const group : {"query", "path", "user"}) {
-            const int length = match.capturedLength(QLatin1String(group));
-            if (length > 0)
-                text.replace(match.capturedStart(QLatin1String(group)), length,
-                             QString(length, mark));
+        const QString query = match.captured(QStringLiteral("query"));
+        if (!query.isEmpty()) {
+            const int path = query.indexOf(QLatin1String("&path="));
+            const int start = match.capturedStart(QStringLiteral("query"));
+            maskValues(text, start, start + (path < 0 ? query.size() : path), QLatin1Char('&'),
+                       mark);
         }
+        const int pathLength = match.capturedLength(QStringLiteral("path"));
+        if (pathLength > 0) {
+            const int start = match.capturedStart(QStringLiteral("path"));
+            maskValues(text, start, start + pathLength, QLatin1Char('/'), mark);
+        }
+        const int length = match.capturedLength(QStringLiteral("user"));
+        if (length > 0)
+            text.replace(match.capturedStart(QStringLiteral("user")), length,
+                         QString(length, mark));
     }
     return text;
 }

@@ -32,10 +32,19 @@ QStringList cellTexts(const QLayoutItem* item)
 
 } // namespace
 
+QList<HScrollArea*> DescribeTest::sectionAreas(const QWidget* dialog)
+{
+    QList<HScrollArea*> areas = dialog->findChildren<HScrollArea*>();
+    // The one around all of them, where there is one, has others in it.
+    if (!areas.isEmpty() && areas.first()->findChild<HScrollArea*>())
+        areas.removeFirst();
+    return areas;
+}
+
 QList<QStringList> DescribeTest::sections(const QWidget* dialog)
 {
     QList<QStringList> all;
-    for (const HScrollArea* area : dialog->findChildren<HScrollArea*>()) {
+    for (const HScrollArea* area : sectionAreas(dialog)) {
         const auto* grid = area->widget()->findChild<QGridLayout*>();
         if (!grid)
             grid = qobject_cast<QGridLayout*>(area->widget()->layout());
@@ -63,7 +72,7 @@ QStringList DescribeTest::labels(const QStringList& section)
 
 QList<QPushButton*> DescribeTest::buttons(const QWidget* dialog, int section)
 {
-    return dialog->findChildren<HScrollArea*>().at(section)->findChildren<QPushButton*>();
+    return sectionAreas(dialog).at(section)->findChildren<QPushButton*>();
 }
 
 QPushButton* DescribeTest::files(const QWidget* dialog, int section)

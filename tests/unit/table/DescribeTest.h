@@ -9,12 +9,16 @@
 #include <QPushButton>
 #include <QStringList>
 
+class HScrollArea;
+
 /// A test class that describes rows of the double's collection in the real dialog.
 class DescribeTest : public ContractTest
 {
     Q_OBJECT
 
 protected:
+    /// The sections, from top to bottom.
+    static QList<HScrollArea*> sectionAreas(const QWidget* dialog);
     /// What each section of a description or repository dialog says: its header, if any, and then
     /// "Label: value", "Label: [button]" or "Label: value [button]" for each row of the grid.
     static QList<QStringList> sections(const QWidget* dialog);

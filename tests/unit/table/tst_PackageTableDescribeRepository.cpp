@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QMessageBox>
 #include <QScreen>
 #include <QStyle>
 #include <QTemporaryDir>
@@ -63,7 +64,8 @@ private Q_SLOTS:
         QTest::newRow("plain") << "http://example.org/repos/$basearch/?a=b&c=d#e";
         QTest::newRow("several")
             << "http://example.org/1\nftp://example.org:8080/2%41\nfile:///srv/@x";
-        QTest::newRow("almost") << "http://example.org/rhel/7/x86_64/os/";
+        QTest::newRow("almost") << "http://example.org/rhel/7/x86_64/os/\nhttp://h:80/a@b\n"
+                                   "http://h/rhel/a=b/c/d=e\nhttp://h/vantry?user=me";
     }
 
     void urlsWithoutCredentialsAreShownAsTheyStand()
@@ -114,6 +116,24 @@ private Q_SLOTS:
                                  << "http://h/vantry?user=me&pass=" + marks(6);
         QTest::newRow("cut off path") << "http://h/rhel/user=me/pass=secret"
                                       << "http://h/rhel/user=me/pass=" + marks(6);
+        QTest::newRow("with a blank") << "http://h/vantry?user=me&pass=sec ret&path=/x"
+                                      << "http://h/vantry?user=me&pass=" + marks(7) + "&path=/x";
+        QTest::newRow("with a blank in a path")
+            << "http://h/rhel/user=me/pass=sec ret/x=y"
+            << "http://h/rhel/user=me/pass=" + marks(7) + "/x=" + marks(1);
+        QTest::newRow("more parts")
+            << "http://h/vantry?user=me&x=y&pass=secret&path=/a=b&c=d"
+            << "http://h/vantry?user=me&x=" + marks(1) + "&pass=" + marks(6) + "&path=/a=b&c=d";
+        QTest::newRow("a name without value")
+            << "http://h/vantry?user&pass=secret&path=/x"
+            << "http://h/vantry?user&pass=" + marks(6) + "&path=/x";
+        QTest::newRow("on one line")
+            << "http://h/vantry?user=me&pass=secret http://h/rhel/user=me/pass=secret file:///x=y"
+            << "http://h/vantry?user=me&pass=" + marks(6) +
+                   " http://h/rhel/user=me/pass=" + marks(6) + " file:///x=y";
+        QTest::newRow("of the host and of a form")
+            << "http://me:secret@h/vantry?user=me&pass=secret&path=/x"
+            << "http://me:" + marks(6) + "@h/vantry?user=me&pass=" + marks(6) + "&path=/x";
         QTest::newRow("of the host") << "http://me:secret@h:80/x"
                                      << "http://me:" + marks(6) + "@h:80/x";
     }
@@ -152,13 +172,17 @@ private Q_SLOTS:
     void aRepositoryThatIsGoneIsToldOf()
     {
         QFETCH(bool, configured);
-        contract->play({{"available", QJsonArray{Contract::package("a", {{"repoid", "gone"}})}}});
+        const QString id = "<b>gone</b>";
+        contract->play({{"available", QJsonArray{Contract::package("a", {{"repoid", id}})}}});
         QVERIFY(contract->collect());
         conf = std::make_unique<YumConfIO>(QList<YumRepoEnabled>(), used);
         conf->entries = {repository("http://example.org/")};
         expectDescription([&](QWidget* dialog) {
             driver->expect("Error")
-                .text("Repository \"gone\" is not in the configuration")
+                .text("Repository \"" + id + "\" is not in the configuration")
+                .act([](QWidget* box) {
+                    QCOMPARE(qobject_cast<QMessageBox*>(box)->textFormat(), Qt::PlainText);
+                })
                 .press("OK");
             click(details(dialog));
             QVERIFY(close(dialog)->isEnabled());
