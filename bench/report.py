@@ -3,6 +3,7 @@
 
 Usage: report.py FOLDER        with the files cold1, cold2 ... warm1, warm2 ... and search,
                                or apply1, apply2 ... and large1, large2 ...
+                               or describe1, describe2 ...
 """
 import pathlib
 import statistics
@@ -90,13 +91,34 @@ def apply_rows(runs, large):
     yield ('  GUI thread silent', max(run['apply.run.gui-gap'] for run in large), 'ms', None, 'value', 100)
 
 
+def describe_rows(runs):
+    """The same for descriptions that are hard to show."""
+    for name, what in (
+            ('plain', 'a plain package'),
+            ('heavy', '200 lines, 10,000 relations'),
+            ('heavy.files', '  20,000 files'),
+            ('heavy.change-log', '  5,000 changes'),
+            ('wide', 'lines of 10,000 characters'),
+            ('wide.files', '  paths of 10,000 characters'),
+            ('wide.change-log', '  changes of 10,000 characters'),
+            ('odd', 'markup, bidirectional and combined text'),
+            ('versions', '500 installed versions')):
+        for action, limit in (('open', 500), ('resize', 100), ('scroll', 100), ('close', 100)):
+            figure = 'describe.%s.%s' % (name, action)
+            if figure in runs[0]:
+                yield ('%s: %s' % (what, action), median(runs, figure), 'ms', None, 'value', limit)
+
+
 def main(folder):
     folder = pathlib.Path(folder)
     runs = {kind: [read(path) for path in sorted(folder.glob(kind + '[0-9]*'))]
-            for kind in ('cold', 'warm', 'apply', 'large')}
+            for kind in ('cold', 'warm', 'apply', 'large', 'describe')}
     if runs['apply']:
         rows = apply_rows(runs['apply'], runs['large'])
         print('%d runs with cold package caches' % len(runs['apply']))
+    elif runs['describe']:
+        rows = describe_rows(runs['describe'])
+        print('%d runs' % len(runs['describe']))
     else:
         rows = collection_rows(runs['cold'], runs['warm'], read(folder / 'search'))
         print('%d rows, %d cold and %d warm runs' % (

@@ -7,8 +7,11 @@
 //         collection and table; with patterns also searches, whose text is written to TEXT
 //     vok_bench apply REGEXP
 //         installs, in the real window, the packages that the filter lists by REGEXP
+//     vok_bench describe
+//         opens the descriptions of the packages that bench/describe.py makes
 
 #include "ApplyBench.h"
+#include "DescribeBench.h"
 #include "Measure.h"
 #include "engine/YumIO.h"
 #include "kit/Application.h"
@@ -92,6 +95,7 @@ int main(int argc, char** argv)
     program = argv[0];
     if (argc > 2 && qstrcmp(argv[1], "apply") == 0)
         return ApplyBench(QString::fromLocal8Bit(argv[2])).run();
+    const bool describing = argc == 2 && qstrcmp(argv[1], "describe") == 0;
     const QString dump = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
     const QStringList patterns = app.arguments().mid(2);
 
@@ -117,6 +121,14 @@ int main(int argc, char** argv)
     model.setYumConfIO(&conf);
     if (!conf.read(&window))
         return 1;
+    if (describing) {
+        if (!engine.initialize() || !engine.collect(used))
+            return 1;
+        model.reset();
+        const int status = DescribeBench(&engine, &model).run();
+        engine.clearEntriesBeforeQuit();
+        return status;
+    }
 
     report("start.initialize", milliseconds([&] {
                if (!engine.initialize())
