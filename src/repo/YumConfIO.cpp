@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -24,6 +25,14 @@ struct DirCloser {
 };
 using FilePtr = std::unique_ptr<FILE, FileCloser>;
 using DirPtr = std::unique_ptr<DIR, DirCloser>;
+
+/// A pipe or the like is read as far as it goes, rather than that the window waits for its other
+/// end. Null with errno.
+FilePtr openToRead(const QByteArray& path)
+{
+    const int fd = open(path.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK);
+    return FilePtr(fd < 0 ? nullptr : fdopen(fd, "r"));
+}
 
 enum ReadResult { Line = 0, EndOfFile = 1, ReadError = 2 };
 
@@ -81,7 +90,7 @@ bool YumConfIO::read(QWidget* parent)
     {
         const QString path = QFile::decodeName(fileName());
         stoppedAt = path;
-        const FilePtr file(fopen(mainFile.constData(), "r"));
+        const FilePtr file = openToRead(mainFile);
         if (!file) {
             error(tr("Unable to read yum configuration file %1").arg(path));
             return false;
@@ -129,7 +138,7 @@ bool YumConfIO::readRepoDir(const QString& directory)
         if (info.st_mode & S_IFDIR)
             continue;
 
-        const FilePtr file(fopen(bytes.constData(), "r"));
+        const FilePtr file = openToRead(bytes);
         if (!file) {
             error(tr("Unable to read repository configuration file %1").arg(path));
             return false;

@@ -133,6 +133,15 @@ QByteArray fileOf(const QByteArray& path)
     return places.isEmpty() ? path : places.last();
 }
 
+/// Removes the file that a path leads to, but none of the links on the way.
+void removeTarget(const QByteArray& path)
+{
+    char* const target = realpath(path.constData(), nullptr);
+    if (target)
+        unlink(target);
+    free(target);
+}
+
 bool writeAll(int fd, const QByteArray& text)
 {
     const char* next = text.constData();
@@ -147,25 +156,37 @@ bool writeAll(int fd, const QByteArray& text)
     return true;
 }
 
-/// Overwrites rather than empties first, and has the space for all of it before it begins, so that
-/// a full disk leaves the old content. False with errno.
+/// Lengthens a file by empty lines, which mean nothing to who reads it meanwhile. False with errno
+/// and the old length where there is no room for them.
+bool lengthen(int fd, off_t from, off_t to)
+{
+    if (lseek(fd, from, SEEK_SET) == from &&
+        writeAll(fd, QByteArray(static_cast<int>(to - from), '\n')))
+        return true;
+    const int failure = errno;
+    if (ftruncate(fd, from) == 0)
+        errno = failure;
+    return false;
+}
+
+/// Overwrites rather than empties first, and has the room for all of it before it begins, so that a
+/// full disk leaves the old content. What the file held or what it is to hold is in it at any time,
+/// should the program be killed, but for empty lines at its end. False with errno.
 bool replaceContent(int fd, const QByteArray& text)
 {
     struct stat info {
     };
     if (fstat(fd, &info) != 0)
         return false;
-    const bool regular = S_ISREG(info.st_mode);
-    if (regular && text.size() > info.st_size) {
-        const int failure = posix_fallocate(fd, info.st_size, text.size() - info.st_size);
-        if (failure == ENOSPC || failure == EDQUOT || failure == EFBIG || failure == EIO) {
-            // Some of it may have been had; the old end is what counts.
-            if (ftruncate(fd, info.st_size) == 0)
-                errno = failure;
-            return false;
-        }
-    }
-    return writeAll(fd, text) && (!regular || ftruncate(fd, text.size()) == 0);
+    if (!S_ISREG(info.st_mode))
+        return writeAll(fd, text);
+
+    if (text.size() > info.st_size && !lengthen(fd, info.st_size, text.size()))
+        return false;
+    // In one go, together with what blanks the rest of a longer content.
+    const auto size = static_cast<int>(qBound<off_t>(text.size(), info.st_size, INT_MAX / 2));
+    return lseek(fd, 0, SEEK_SET) == 0 && writeAll(fd, text.leftJustified(size, '\n')) &&
+           ftruncate(fd, text.size()) == 0;
 }
 
 } // namespace
@@ -343,7 +364,12 @@ bool YumConfIO::writeFile(const QString& path, const QByteArray& text)
     if (!stoppedAt.isEmpty() && fileOf(pathBytes(stoppedAt)) == fileOf(bytes)) {
         failure = ECANCELED;
     } else {
-        const int fd = open(bytes.constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NOCTTY, 0666);
+        // A pipe or the like mustn't keep the window waiting for its other end.
+        constexpr int flags = O_WRONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+        int fd = open(bytes.constData(), flags);
+        const bool isNew = fd < 0 && errno == ENOENT;
+        if (isNew)
+            fd = open(bytes.constData(), flags | O_CREAT, 0666);
         if (fd < 0) {
             failure = errno;
         } else {
@@ -351,6 +377,8 @@ bool YumConfIO::writeFile(const QString& path, const QByteArray& text)
                 failure = errno;
             if (close(fd) != 0 && failure == 0)
                 failure = errno;
+            if (failure != 0 && isNew)
+                removeTarget(bytes);
         }
     }
     return failure == 0 ||
