@@ -205,6 +205,97 @@ private Q_SLOTS:
         QCOMPARE(user.quit(), QString());
     }
 
+    void theKeyboardOpensAndClosesThem()
+    {
+        WindowSession user;
+        QVERIFY(user.start());
+        user.listedAll();
+        user.table()->setFocus();
+        user.table()->setCurrentIndex(user.cell("chess", PackageTable::ColumnName));
+        const auto expect = [&] {
+            user.dialogs.expect("VOK Package Description")
+                .text("chess")
+                .act([&](QWidget* dialog) {
+                    QVERIFY(QTest::qWaitForWindowActive(dialog));
+                    // Escape closes what lies on top, and nothing behind it.
+                    user.dialogs.expect("chess 6.2-1 File List").pressKey(Qt::Key_Escape);
+                    QTest::keyClick(dialog->focusWidget(), Qt::Key_Tab);
+                    QTest::keyClick(dialog->focusWidget(), Qt::Key_Space);
+                    QVERIFY(dialog->isVisible());
+                    // Nothing can be refreshed or applied behind it.
+                    QCOMPARE(QApplication::activeModalWidget(), dialog);
+                })
+                .pressKey(Qt::Key_Escape);
+        };
+        expect();
+        QTest::keyClick(user.table(), Qt::Key_D, Qt::AltModifier);
+        QVERIFY(user.dialogs.waitUntilDone());
+        expect();
+        user.find<QPushButton>("describe")->setFocus();
+        QTest::keyClick(user.find<QPushButton>("describe"), Qt::Key_Space);
+        QVERIFY(user.dialogs.waitUntilDone());
+        expect();
+        user.chooseFromMenu(user.cell("chess", PackageTable::ColumnName), "Describe");
+        QVERIFY(user.dialogs.waitUntilDone());
+        QVERIFY(!QApplication::activeModalWidget());
+        QCOMPARE(user.quit(), QString());
+    }
+
+    void afterARefreshAllIsAskedForAnew()
+    {
+        WindowSession user;
+        QVERIFY(user.start());
+        user.listedAll();
+        const QString mustLoad = "Show (must load extra data)";
+        for (int round = 0; round < 2; ++round) {
+            describe(user, "almanac", [&](QWidget* dialog) {
+                press(user, button(dialog, mustLoad), "almanac 2024-1 File List",
+                      "/usr/share/doc/almanac/README");
+                QCOMPARE(rows(dialog)["Files"], QString("[Show]"));
+            });
+            user.click("refresh");
+            QTRY_VERIFY(user.ready());
+            QVERIFY(!QApplication::activeModalWidget());
+        }
+        QCOMPARE(user.quit(), QString());
+    }
+
+    void afterAnApplyTheyTellOfTheNewState()
+    {
+        WindowSession user;
+        QVERIFY(user.start());
+        user.listedAll();
+        describe(user, "chess",
+                 [](QWidget* dialog) { QCOMPARE(rows(dialog)[QString()], QString("Installed")); });
+        user.chooseFromMenu(user.cell("chess", PackageTable::ColumnAction), "Remove");
+        user.dialogs.expect("Apply").textContains("Remove: chess").press("OK");
+        user.click("apply");
+        QVERIFY(user.dialogs.waitUntilDone(60000));
+        QTRY_VERIFY_WITH_TIMEOUT(user.ready(), 60000);
+        user.listedAll();
+        describe(user, "chess", [](QWidget* dialog) {
+            QCOMPARE(rows(dialog)[QString()], QString("Available for installation"));
+            QVERIFY(rows(dialog).contains("Repository"));
+        });
+        QCOMPARE(user.quit(), QString());
+    }
+
+    void anUpdateOfAPackageThatIsInstalled()
+    {
+        WindowSession user;
+        QVERIFY(user.start());
+        user.listedAll();
+        describe(user, "edwin", [&](QWidget* dialog) {
+            QCOMPARE(dialog->findChildren<QScrollArea*>().size(), 2);
+            QCOMPARE(rows(dialog)[QString()], QString("Available for update"));
+            QVERIFY(rows(dialog).contains("Repository"));
+            QCOMPARE(rows(dialog, 1)[QString()], QString("Installed"));
+            QVERIFY(!rows(dialog, 1).contains("Repository"));
+            QVERIFY(rows(dialog)["Version"] != rows(dialog, 1)["Version"]);
+        });
+        QCOMPARE(user.quit(), QString());
+    }
+
     void repositoriesWithPasswordsInTheirUrls()
     {
         WindowSession user;
