@@ -87,9 +87,11 @@ QString queryForm(const QString& password)
            QStringLiteral("&path=");
 }
 
+// The slash behind the password isn't part of it: it may be that before another form.
 QString pathForm(const QString& password)
 {
-    return QStringLiteral("/rhel/[^/=\\s]*=[^/\\s]*/[^/=\\s]*=") + password + QLatin1Char('/');
+    return QStringLiteral("/rhel/[^/=\\s]*=[^/\\s]*/[^/=\\s]*=") + password +
+           QStringLiteral("(?=/)");
 }
 
 QString eitherForm()
@@ -149,8 +151,7 @@ QString Repo::Vantry::replaceAuth(QString url, const QString& nameKey, const QSt
         httpProtect(passwordKey) + QLatin1Char('=') + httpProtect(password);
     url.replace(query, QLatin1String("/vantry?") + nameKeyText + QLatin1Char('&') + passwordText +
                            QLatin1String("&path="));
-    url.replace(path, QLatin1String("/rhel/") + nameKeyText + QLatin1Char('/') + passwordText +
-                          QLatin1Char('/'));
+    url.replace(path, QLatin1String("/rhel/") + nameKeyText + QLatin1Char('/') + passwordText);
     return url;
 }
 

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void oneUrlIsMatchedAsAWhole();
     void hidesThePasswordsOfAllUrls();
     void onlyOneCaptureTakesPart();
+    void formsWithOneSlashBetweenThemAreTwo();
 };
 
 void TestVantry::findsTheFourParts_data()
@@ -325,6 +326,17 @@ void TestVantry::onlyOneCaptureTakesPart()
         QCOMPARE(regExp.match(path).capturedStart(1), -1);
         QCOMPARE(regExp.match(path).captured(2), QStringLiteral("b"));
     }
+}
+
+void TestVantry::formsWithOneSlashBetweenThemAreTwo()
+{
+    const QString url = QStringLiteral("http://h/rhel/a=b/c=one/rhel/d=e/f=two/vantry?g=h&i=three&"
+                                       "path=/x");
+    QCOMPARE(masked(url, Repo::Vantry::urlsRegExp()),
+             QStringLiteral("http://h/rhel/a=b/c=***/rhel/d=e/f=***/vantry?g=h&i=*****&path=/x"));
+    QCOMPARE(Repo::Vantry::replaceAuth(url, QStringLiteral("k"), QStringLiteral("n"),
+                                       QStringLiteral("l"), QStringLiteral("p")),
+             QStringLiteral("http://h/rhel/k=n/l=p/rhel/k=n/l=p/vantry?k=n&l=p&path=/x"));
 }
 
 QTEST_MAIN(TestVantry)
