@@ -2,6 +2,7 @@
 # Helpers that keep the CMakeLists.txt of each folder to a line or two.
 
 option(VOK_WERROR "Treat warnings as errors" ON)
+option(VOK_FUZZ "Offer the fuzzers, which want clang" OFF)
 set(VOK_SANITIZE "" CACHE STRING "Sanitizers to build with, e.g. address,undefined or thread")
 
 function(vok_compile_settings target scope)

@@ -100,8 +100,9 @@ protected:
     void cleanupRead(Repo::Entry& entry);
     void applyUsedOptions(Repo::Entry& entry);
     void finishEntry(Repo::Entry& entry, bool newId);
-    /// Shows `text` with the number and the meaning of errno.
-    void error(const QString& text);
+    /// Shows `text` with the number and the meaning of errno. Virtual, so that files can be read
+    /// where nobody looks at a window.
+    virtual void error(const QString& text);
 
     /// The same for a number kept since; always false.
     bool fail(int number, const QString& text);
