@@ -468,6 +468,11 @@ private Q_SLOTS:
             auto* area = dialog->findChild<HScrollArea*>();
             QVERIFY(area->widget()->height() > 5000 * area->fontMetrics().height());
             QVERIFY(area->widget()->width() > 10000 * area->fontMetrics().averageCharWidth() / 2);
+            QVERIFY(QTest::qWaitForWindowActive(dialog));
+            QTest::keyClick(dialog->focusWidget(), Qt::Key_Backtab);
+            QTest::keyClick(dialog->focusWidget(), Qt::Key_Backtab);
+            QCOMPARE(dialog->focusWidget(), static_cast<QWidget*>(changeLog(dialog)));
+            QVERIFY(!changeLog(dialog)->visibleRegion().isEmpty());
             area->verticalScrollBar()->setValue(area->verticalScrollBar()->maximum());
             const QRect shown(QPoint(), area->viewport()->size());
             QVERIFY(shown.contains(changeLog(dialog)->mapTo(
