@@ -15,8 +15,12 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QEventLoop>
+#include <QKeyEvent>
+#include <QMenuBar>
 #include <QScreen>
 #include <QTimer>
+
+#include <algorithm>
 
 #include <sys/utsname.h>
 
@@ -223,6 +227,27 @@ void MainWindow::closeEvent(QCloseEvent* event)
     event->ignore();
     if (ready)
         QTimer::singleShot(0, this, &MainWindow::quit);
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event)
+{
+    // A text field takes some of them for the commands of its own that other keys give as well,
+    // such as Ctrl+E for End.
+    if (event->type() == QEvent::ShortcutOverride && isShortcut(*static_cast<QKeyEvent*>(event))) {
+        event->ignore();
+        return true;
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
+bool MainWindow::isShortcut(const QKeyEvent& event) const
+{
+    const QKeySequence pressed(event.key() |
+                               static_cast<int>(event.modifiers() & ~Qt::KeypadModifier));
+    const auto actions = menuBar()->findChildren<QAction*>();
+    return std::any_of(actions.cbegin(), actions.cend(), [&pressed](const QAction* action) {
+        return !action->shortcut().isEmpty() && action->shortcut() == pressed;
+    });
 }
 
 void MainWindow::quit()

@@ -19,6 +19,7 @@ class QAction;
 class QBoxLayout;
 class QCheckBox;
 class QComboBox;
+class QKeyEvent;
 class QLineEdit;
 class QPushButton;
 class YumIO;
@@ -77,31 +78,25 @@ Q_SIGNALS:
     void left();
 
 public Q_SLOTS:
-    // ---- MainWindowTable.cpp
-    // -----------------------------------------------------------------------
+    // ---- MainWindowTable.cpp --------------------------------------------------------------------
     /// Fits columns and window to the contents.
     void resize();
-    // ---- MainWindow.cpp
-    // ----------------------------------------------------------------------------
+    // ---- MainWindow.cpp -------------------------------------------------------------------------
     void refresh();
-    // ---- MainWindowRepos.cpp
-    // -----------------------------------------------------------------------
+    // ---- MainWindowRepos.cpp --------------------------------------------------------------------
     void reposChanged();
 
 protected Q_SLOTS:
-    // ---- MainWindow.cpp
-    // ----------------------------------------------------------------------------
+    // ---- MainWindow.cpp -------------------------------------------------------------------------
     void initialize();
     void yumConfIOChanged();
     void quit();
     void displayLog();
 
-    // ---- MainWindowRepos.cpp
-    // -----------------------------------------------------------------------
+    // ---- MainWindowRepos.cpp --------------------------------------------------------------------
     void editRepositories(bool forceReposChanged = false);
 
-    // ---- MainWindowCommands.cpp
-    // --------------------------------------------------------------------
+    // ---- MainWindowCommands.cpp -----------------------------------------------------------------
     void cleanHeaders();
     void cleanPackages();
     void cleanXmlMetadata();
@@ -113,8 +108,7 @@ protected Q_SLOTS:
     void about();
     void apply();
 
-    // ---- MainWindowTable.cpp
-    // -----------------------------------------------------------------------
+    // ---- MainWindowTable.cpp --------------------------------------------------------------------
     void filtersearch();
     void currentChanged(int currentRow, int previousRow);
     void stateChanged(int row = -1);
@@ -130,36 +124,36 @@ protected Q_SLOTS:
 protected:
     /// The frame's close button is Quit, and as little allowed while the engine works.
     void closeEvent(QCloseEvent* event) override;
+    /// Keeps the shortcuts of the menus from the pattern's field.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    // ---- MainWindowLayout.cpp
-    // ----------------------------------------------------------------------
+    // ---- MainWindowLayout.cpp -------------------------------------------------------------------
     void createMenuBar();
     void createMainArea();
     QBoxLayout* createControlRow();
     void createTable();
     QBoxLayout* createButtonRow();
 
-    // ---- MainWindow.cpp
-    // ----------------------------------------------------------------------------
+    // ---- MainWindow.cpp -------------------------------------------------------------------------
     /// Enables or disables all that starts an operation. Each call with false pushes a busy cursor,
     /// and each with true pops one; nobody counts them.
     void setReady(bool ready);
     /// Fits columns and window to the contents, and keeps the window, which grows downwards and to
     /// the right, on its screen.
     void fitToContents();
+    /// Whether a menu has these keys as a shortcut.
+    bool isShortcut(const QKeyEvent& event) const;
     /// Throws the package list away and collects it from fresh configuration.
     void collectAnew();
     /// Ends the engine, and before it the table, which reads its rows there. Once; then `engine` is
     /// null.
     void endEngine();
 
-    // ---- MainWindowCommands.cpp
-    // --------------------------------------------------------------------
+    // ---- MainWindowCommands.cpp -----------------------------------------------------------------
     void cleanAndCollect(bool (YumIO::*clean)());
 
-    // ---- MainWindowTable.cpp
-    // -----------------------------------------------------------------------
+    // ---- MainWindowTable.cpp --------------------------------------------------------------------
     bool inSearchMode() const;
     /// Loads what only a search looks at, if there is something to search for.
     void prepareFilterSearch();

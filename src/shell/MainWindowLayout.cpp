@@ -111,6 +111,7 @@ QBoxLayout* MainWindow::createControlRow()
     regexpEdit = new QLineEdit(QStringLiteral(".*"), mainArea);
     regexpEdit->setObjectName(QStringLiteral("regexp"));
     regexpEdit->setAccessibleName(tr("Regular expression"));
+    regexpEdit->installEventFilter(this);
 
     filterButton = new QPushButton(mainArea);
     filterButton->setObjectName(QStringLiteral("filter"));
