@@ -15,6 +15,9 @@ public:
     explicit WindowSession(const QString& sandbox = QStringLiteral(VOK_SANDBOX));
     ~WindowSession() override;
 
+    /// The folder of the sandbox that the root is a copy of.
+    const QString& sandboxPath() const { return sandbox; }
+
     /// Answers the next requests for paths that match the shell pattern with a status, or as the
     /// demo's server knows: refuse, hang, truncate, corrupt.
     void fail(const QString& pattern, const QString& action);
