@@ -111,6 +111,11 @@ class Manual(unittest.TestCase):
         self.assertGreater(len(parts), 40)
         self.assert_mentioned(parts)
 
+    def test_each_message_of_the_shell_scripts_is_explained(self):
+        parts = {part for text in texts.shell_messages() for part in texts.fragments(text)}
+        self.assertGreater(len(parts), 10)
+        self.assert_mentioned(parts)
+
     def test_it_tells_nothing_of_the_place_and_time_of_its_making(self):
         now = time.gmtime()
         for name in ("html/index.html", "manual.pdf", "vok.1"):

@@ -73,6 +73,16 @@ def program_messages() -> Set[str]:
     return {text for text in texts if not text.startswith(INTERNAL)}
 
 
+def shell_messages() -> Set[str]:
+    """Of the scripts that start the program and show things for it."""
+    texts: Set[str] = set()
+    for name in ("packaging/programs/vok-launcher.in", "share/session.sh", "share/webbrowser", "share/mimeviewer"):
+        source = (TREE / name).read_text(encoding="utf-8").replace("\\\n", "")
+        for text in re.findall(r'^[^#\n]*(?:refuse|complain) "((?:[^"\\]|\\.)*)"', source, re.MULTILINE):
+            texts.add(re.sub(r"\$\{[^}]*\}|\$\w+", "%s", text.replace('\\"', '"')))
+    return texts
+
+
 def _literals(node: ast.AST) -> Iterator[str]:
     """Texts in an expression, without what only joins others."""
     for part in ast.walk(node):
