@@ -15,8 +15,6 @@
 /// Notes what a field would show each time it is painted.
 class PasswdWatcher : public QObject
 {
-    Q_OBJECT
-
 public:
     /// `canvas` is what paints the field, `text` gives what it would paint now.
     PasswdWatcher(QWidget* canvas, std::function<QString()> text)
