@@ -11,4 +11,9 @@ namespace Share
 /// "/usr/share/vok".
 QString absolute(const QString& path);
 
+/// For an installation below another prefix: sets VOKSHARE to `directory`, the share directory that
+/// belongs to the executable, where the variable isn't set and the script lies there. The script is
+/// told in this way, too. To be called before anything asks for a path.
+void settle(const QString& directory);
+
 } // namespace Share

@@ -19,7 +19,10 @@ int run(int& argc, char** argv)
 {
     QtMessages::filter(basename(argv[0]));
     const DefaultStyle defaultStyle(argc, argv);
+    // Icons with all of the dots that the screen has.
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication app(argc, argv);
+    Share::settle(QCoreApplication::applicationDirPath() + QStringLiteral("/" VOK_SHARE_FROM_BIN));
     QtMessages::applicationStarted();
     defaultStyle.set(app, QStringLiteral("plastique"));
     QApplication::setWindowIcon(QIcon(Share::absolute(QStringLiteral("pixmaps/vok.icon.png"))));

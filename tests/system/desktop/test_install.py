@@ -31,8 +31,11 @@ class Installed(Recorders):
         environment = {name: value for name, value in os.environ.items() if name != "DESTDIR"}
         if destination:
             environment["DESTDIR"] = str(destination)
-        subprocess.run([CMAKE, "--install", str(BUILD), "--prefix", str(prefix)], check=True, env=environment,
-                       stdout=subprocess.PIPE, cwd=str(self.folder))
+        command = [CMAKE, "--install", str(BUILD), "--prefix", str(prefix)]
+        if not (BUILD / "docs" / "manual.pdf").exists():
+            # Whoever has built the program alone installs it without its manual.
+            command += ["--component", "Unspecified"]
+        subprocess.run(command, check=True, env=environment, stdout=subprocess.PIPE, cwd=str(self.folder))
         return Path(str(destination or "") + str(prefix))
 
     def setUp(self):
