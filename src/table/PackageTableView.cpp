@@ -81,6 +81,12 @@ void View::handleCustomContextMenuRequested(QPoint pos)
 
 void View::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
+    // As the base does for the keyboard; a row that the mouse is on doesn't move.
+    if (current.isValid() && isVisible() && hasAutoScroll())
+        scrollTo(current);
+    update(previous);
+    update(current);
+
     const int currentRow = proxy->mapToSource(current).row();
     const int previousRow = proxy->mapToSource(previous).row();
     if (currentRow == previousRow)
