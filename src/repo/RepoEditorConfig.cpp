@@ -112,6 +112,7 @@ RepoEditor::Config::Config(QGridLayout* layout)
               "If more than one is specified, they all should be identical mirrors,\n"
               "and will provide redundancy if some URLs are unreachable."));
     letShrink(urlsEdit);
+    urlsEdit->setTabChangesFocus(true);
     connect(urlsEdit, &QTextEdit::textChanged, this, QOverload<>::of(&Config::urlChanged));
 
     mirrorEdit = new PasswdLineEdit(Repo::Vantry::oneUrlRegExp(), parent);
@@ -173,6 +174,7 @@ QWidget* RepoEditor::Config::createOptions(QWidget* parent)
     otherEdit->setFont(Fonts::makeBold(Fonts::makeFixed(otherEdit->font())));
     otherEdit->setToolTip(tr("Any other yum options for this repository.  See yum.conf(5)"));
     letShrink(otherEdit);
+    otherEdit->setTabChangesFocus(true);
     layout->addWidget(otherEdit);
     connect(otherEdit, &QTextEdit::textChanged, this, QOverload<>::of(&Config::valueChanged));
     return box;

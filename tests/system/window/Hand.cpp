@@ -18,7 +18,12 @@ void move(const QStringList& arguments)
 
 void Hand::click(const QWidget* widget, const QPoint& position, Qt::MouseButton button, int times)
 {
-    const QPoint point = widget->mapToGlobal(position);
+    // A window that grows, as it does for a message, moves its buttons.
+    QPoint point;
+    do {
+        point = widget->mapToGlobal(position);
+        QTest::qWait(50);
+    } while (widget->mapToGlobal(position) != point);
     move({QStringLiteral("mousemove"), QString::number(point.x()), QString::number(point.y()),
           QStringLiteral("click"), QStringLiteral("--repeat"), QString::number(times),
           QStringLiteral("--delay"), QStringLiteral("20"),
