@@ -104,26 +104,29 @@ class Installed(Recorders):
         for name in ("bin/vok-launcher", "bin/vok-report", "libexec/vok-as-root"):
             self.assertNotRegex((other / name).read_text(), r"@VOK_\w+@")
 
-    def test_below_another_prefix_the_program_finds_its_data(self):
-        root = self.install(self.folder / "opt")
-        said = self.folder / "said"
-        (root / "share/vok/python/YumIO.py").write_text(
-            "import os\nopen(%r, 'w').write(os.environ.get('VOKSHARE', ''))\nos._exit(0)\n" % str(said))
-        subprocess.run([str(root / "bin" / "vok")], check=True, timeout=60, stdout=subprocess.PIPE,
+    def start(self, program, script, **environment):
+        """Starts the program with its script replaced by one that writes a word of Python to the file `said`."""
+        share, word = script
+        (share / "python" / "YumIO.py").write_text(
+            "import os\nopen(%r, 'w').write(%s)\nos._exit(0)\n" % (str(self.folder / "said"), word))
+        system = self.folder / "system"
+        (system / "etc").mkdir(parents=True)
+        (system / "etc" / "yum.conf").write_text("[main]\n")
+        subprocess.run([str(program)], check=True, timeout=120, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                        env={"QT_QPA_PLATFORM": "offscreen", "HOME": str(self.folder), "PATH": "/usr/bin:/bin",
-                            "LC_ALL": "C.UTF-8"})
-        self.assertEqual(said.read_text(), str(root / "share" / "vok"))
+                            "LC_ALL": "C.UTF-8", "VOKROOT": str(system), **environment})
+        return (self.folder / "said").read_text()
+
+    def test_below_another_prefix_the_program_finds_its_data_and_tells_the_script(self):
+        root = self.install(self.folder / "opt")
+        share = root / "share" / "vok"
+        self.assertEqual(self.start(root / "bin" / "vok", (share, "os.environ.get('VOKSHARE', '')")), str(share))
 
     def test_the_variable_wins_over_the_prefix(self):
         root = self.install(self.folder / "opt")
-        said = self.folder / "said"
         share = self.folder / "mine"
         shutil.copytree(str(root / "share" / "vok"), str(share))
-        (share / "python/YumIO.py").write_text("import os\nopen(%r, 'w').write('mine')\nos._exit(0)\n" % str(said))
-        subprocess.run([str(root / "bin" / "vok")], check=True, timeout=60, stdout=subprocess.PIPE,
-                       env={"QT_QPA_PLATFORM": "offscreen", "HOME": str(self.folder), "PATH": "/usr/bin:/bin",
-                            "LC_ALL": "C.UTF-8", "VOKSHARE": str(share)})
-        self.assertEqual(said.read_text(), "mine")
+        self.assertEqual(self.start(root / "bin" / "vok", (share, "'mine'"), VOKSHARE=str(share)), "mine")
 
 
 if __name__ == "__main__":
