@@ -37,8 +37,8 @@ bool hasLines(const QString& text, const QString& part)
 
 } // namespace
 
-ApplySession::ApplySession()
-    : WindowSession(sandbox())
+ApplySession::ApplySession(const QString& sandbox)
+    : WindowSession(sandbox)
 {
     dialogs.setReporter([this](const QString& message) {
         if (applying)

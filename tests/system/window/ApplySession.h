@@ -18,7 +18,8 @@
 class ApplySession : public QObject, public WindowSession
 {
 public:
-    ApplySession();
+    /// Over the system that is made by command(), by default.
+    explicit ApplySession(const QString& sandbox = ApplySession::sandbox());
     ~ApplySession() override;
 
     /// Where the system is made, and what Python runs to make and serve it.

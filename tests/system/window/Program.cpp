@@ -3,10 +3,11 @@
 
 #include <QtTest>
 
-Program::Program(const QStringList& arguments, const QProcessEnvironment& environment)
+Program::Program(const QStringList& arguments, const QProcessEnvironment& environment,
+                 const QString& executable)
 {
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(VOK_EXECUTABLE), arguments);
+    process.start(executable, arguments);
     process.waitForStarted();
 }
 

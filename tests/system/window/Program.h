@@ -11,7 +11,8 @@ class Program
 public:
     explicit Program(
         const QStringList& arguments = {},
-        const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment());
+        const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment(),
+        const QString& executable = QStringLiteral(VOK_EXECUTABLE));
     ~Program();
 
     /// Waits for a visible window of this program with this title and presses keys there until the
