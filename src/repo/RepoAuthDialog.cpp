@@ -2,6 +2,7 @@
 #include "repo/RepoAuthDialog.h"
 #include "kit/Fonts.h"
 #include "kit/HSeparator.h"
+#include "kit/ScreenLimit.h"
 #include "repo/ConfigText.h"
 #include "repo/PasswdInput.h"
 #include "repo/Vantry.h"
@@ -149,10 +150,15 @@ void RepoAuth::Dialog::exec(Repo::Entry* newEntry)
 
 void RepoAuth::Dialog::setVisible(bool visible)
 {
-    if (visible)
+    if (visible) {
         QApplication::restoreOverrideCursor();
-    else
+        // By itself a window gets no more than two thirds of the screen, which on a small one cuts
+        // the URLs off.
+        if (!testAttribute(Qt::WA_Resized))
+            resize(sizeHint().boundedTo(ScreenLimit::of(this)));
+    } else {
         QApplication::setOverrideCursor(Qt::BusyCursor);
+    }
     QDialog::setVisible(visible);
 }
 

@@ -4,6 +4,7 @@
 #include "SeenTexts.h"
 
 #include "engine/YumIO.h"
+#include "kit/ScreenLimit.h"
 #include "support/ProcessPerTest.h"
 #include "table/PackageTable.h"
 #include "table/PackageTableModel.h"
@@ -67,7 +68,15 @@ public:
 
     void expectQuestion(const char* password, const char* answer = "Apply to All with this Host")
     {
-        dialogs.expect("VOK Authentication").leave();
+        dialogs.expect("VOK Authentication")
+            .act([](QWidget* dialog) {
+                // Or long URLs are cut off.
+                const QSize wanted = dialog->sizeHint().boundedTo(ScreenLimit::of(dialog));
+                QVERIFY2(
+                    dialog->width() >= wanted.width(),
+                    qPrintable(QStringLiteral("%1 < %2").arg(dialog->width()).arg(wanted.width())));
+            })
+            .leave();
         asked.answer(answer, keeper, password);
     }
 
