@@ -12,7 +12,7 @@ DEBIAN_DISPLAY="xvfb openbox xdotool x11-utils imagemagick"
 DEBIAN_TEST="pyflakes3 appstream desktop-file-utils librsvg2-bin shellcheck zsh
     asciidoctor ruby-asciidoctor-pdf mandoc man-db"
 DEBIAN_FUZZ="clang libclang-rt-dev"
-DEBIAN_PACKAGE="rpm debugedit"
+DEBIAN_PACKAGE="rpm debugedit asciidoctor ruby-asciidoctor-pdf"
 DEBIAN_CHECK="clang-format clang-tidy"
 FEDORA_BUILD="gcc-c++ cmake ninja-build pkgconf-pkg-config qt5-qtbase-devel qt5-qtstyleplugins python3-devel python3-dnf
     python3-rpm"
@@ -21,7 +21,7 @@ FEDORA_DISPLAY="xorg-x11-server-Xvfb openbox xdotool xprop xwininfo ImageMagick"
 FEDORA_TEST="python3-pyflakes appstream desktop-file-utils librsvg2-tools ShellCheck zsh
     rubygem-asciidoctor rubygem-asciidoctor-pdf mandoc man-db"
 FEDORA_FUZZ="clang compiler-rt"
-FEDORA_PACKAGE="rpm-build"
+FEDORA_PACKAGE="rpm-build rubygem-asciidoctor rubygem-asciidoctor-pdf"
 FEDORA_CHECK="clang-tools-extra"
 
 say() {
