@@ -407,6 +407,85 @@ private Q_SLOTS:
         });
     }
 
+    void lettersOfAnyKindAreWhatThePackageManagerReads()
+    {
+        const QString name = QStringLiteral("Gr\u00fc\u00dfe \u20ac");
+        edit(
+            [&](RepoEditor::ConfigDialog* form) {
+                QLineEdit* edited = nullptr;
+                for (QLineEdit* line : form->findChildren<QLineEdit*>())
+                    if (line->toolTip() == QLatin1String("Description of the repository"))
+                        edited = line;
+                QVERIFY(edited);
+                edited->setFocus();
+                press("End");
+                // The display's keyboard has no such letters.
+                QApplication::clipboard()->setText(name);
+                press("ctrl+v");
+                QTRY_COMPARE(edited->text(), QString("Closed" + name));
+                field = std::make_unique<LineField>(form);
+                field->widget()->setFocus();
+                go(0);
+                QApplication::clipboard()->setText(QStringLiteral("\u20ac"));
+                press("ctrl+v");
+                is(QChar(0x20ac) + secret);
+            },
+            QStringLiteral("OK"));
+        const QString script =
+            QStringLiteral("import sys, libdnf\n"
+                           "parser = libdnf.conf.ConfigParser()\n"
+                           "parser.read(sys.argv[1])\n"
+                           "closed = parser.getData()['closed']\n"
+                           "assert closed['name'] == sys.argv[2], closed['name']\n"
+                           "assert sys.argv[3] in closed['mirrorlist']\n");
+        QCOMPARE(SandboxRoot::run(QStringLiteral(VOK_PYTHON),
+                                  {"-c", script, user->path("etc/yum.repos.d/closed.repo"),
+                                   "Closed" + name, url(QChar(0x20ac) + secret)}),
+                 0);
+    }
+
+    void theDialogForCredentialsShowsNoneOfThePassword()
+    {
+        user->write(
+            QStringLiteral("etc/yum.repos.d/closed.repo"),
+            "[closed]\nname=Closed\nskip_if_unavailable=1\nbaseurl=file:///none/vantry?user=&"
+            "pass=&path=/os\nenabled=1\n");
+        RepoAuthUser asked;
+        user->dialogs.expect("VOK Authentication").leave();
+        QStringList painted;
+        asked.answer([&](RepoAuth::Dialog& dialog) {
+            QVERIFY(QTest::qWaitForWindowActive(&dialog));
+            auto* password = dialog.findChild<QLineEdit*>("password");
+            auto* urls = dialog.findChild<QLabel*>("urls");
+            const PasswdWatcher onField(password, [&] { return password->displayText(); });
+            const PasswdWatcher onLabel(urls, [&] { return urls->text(); });
+            press("Tab");
+            QTRY_VERIFY(password->hasFocus());
+            typeText(secret);
+            QTRY_COMPARE(password->text(), secret);
+            press({"BackSpace", "Left", "shift+Left"});
+            QApplication::clipboard()->setText(QStringLiteral("GKJ"));
+            press("ctrl+v");
+            QTRY_COMPARE(password->text(), QStringLiteral("QXZGKJK"));
+            press({"ctrl+a", "ctrl+c"});
+            press("End");
+            QTRY_COMPARE(password->cursorPosition(), 7);
+            QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("GKJ"));
+            QTRY_VERIFY(urls->text().contains(mask(7)));
+            painted = onField.painted + onLabel.painted;
+            painted << accessibleText(password) << accessibleText(urls);
+            RepoAuthUser::press(dialog, "OK");
+        });
+        QVERIFY(user->start());
+        QVERIFY(!painted.isEmpty());
+        for (const QString& text : qAsConst(painted))
+            for (const QChar c : secret)
+                QVERIFY2(!text.contains(c), qPrintable(text));
+        QFile file(user->path(QStringLiteral("etc/yum.repos.d/closed.repo")));
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(file.readAll().contains("&pass=QXZGKJK&"));
+    }
+
     void theRightButtonOpensNoMenu()
     {
         inEachField([this] {
