@@ -34,6 +34,9 @@ _PAUSE = 0.05
 _LIBRARYS = dnf.yum.rpmtrans.RPMTransaction
 # rpm's callbacks of which there are many a package.
 _MANY = (rpm.RPMCALLBACK_INST_PROGRESS, rpm.RPMCALLBACK_UNINST_PROGRESS)
+# The answer where a package's file cannot be opened. rpm's module ends the process for one that is no
+# number, and leaves the package out for one that is no open file.
+_NO_FILE = -1
 # From this action on the library tells of its own phases, not of packages.
 _PHASES = 100
 # The program's events in which a package goes by its name.
@@ -105,6 +108,7 @@ class _Events(_LIBRARYS):
         self._next = 0.0
 
     def callback(self, what, amount, total, key, client_data):
+        answer = None
         try:
             if what in _MANY:
                 # A package's first and last, and what the eye can follow of those between.
@@ -112,10 +116,12 @@ class _Events(_LIBRARYS):
                 if amount < total and now < self._next:
                     return None
                 self._next = now + _PAUSE
-            return super().callback(what, amount, total, key, client_data)
+            answer = super().callback(what, amount, total, key, client_data)
         except BaseException as exc:  # pylint: disable=broad-except
             self._keep(exc)
-            return None
+        if answer is None and what == rpm.RPMCALLBACK_INST_OPEN_FILE:
+            return _NO_FILE
+        return answer
 
     def _elemProgress(self, key, index):
         self._next = 0.0

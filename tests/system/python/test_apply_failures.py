@@ -299,6 +299,39 @@ class Failed(ApplyTest):
         self.assertIn('alpha-1.0-1.noarch.rpm', str(caught.exception))
         self.assertEqual(self.database(), [])
 
+    def test_aFileThatIsGoneWhenRpmVerifiesItIsAnError(self):
+        program = self.begin([], [Rpm('alpha'), Rpm('beta')])
+
+        def lose(stage):
+            if stage == 1:
+                os.unlink(program.row('alpha').package.localPkg())
+        yumIOC.hooks['tsInitCallback'] = lose
+        text = self.refused(program, 'install alpha', 'install beta')
+        self.assertTrue(text.startswith('The transaction was not run'), text)
+        self.assertIn('alpha-1.0-1.noarch.rpm cannot be opened: No such file or directory', text)
+        self.assertEqual(self.database(), [])
+
+    def test_aFileThatIsGoneDuringTheRunLeavesItsPackageOut(self):
+        program = self.begin([], [Rpm('alpha', tags=['Requires: beta']), Rpm('beta')])
+        opened = []
+
+        def enter(stage):
+            # rpm has another root during the run.
+            if stage == 1:
+                directory = os.path.dirname(program.row('alpha').package.localPkg())
+                opened.append(os.open(directory, os.O_RDONLY))
+                self.addCleanup(os.close, opened[0])
+
+        def lose():
+            program.during = None
+            os.unlink('alpha-1.0-1.noarch.rpm', dir_fd=opened[0])
+        yumIOC.hooks['tsInitCallback'] = enter
+        program.during = lose
+        text = self.refused(program, 'install alpha')
+        self.assertIn('Not done:\n  installation of alpha-1.0-1.noarch', text)
+        self.assertIn('alpha-1.0-1.noarch.rpm cannot be opened: No such file or directory', text)
+        self.assertEqual(self.database(), ['beta-1.0-1.noarch'])
+
     def test_theCleanupAfterAFailureNeverRaises(self):
         self.make().applyFailCleanup()
         made = self.make()
