@@ -62,6 +62,7 @@ session_uid() {
 # display is ours.
 desktop_uid() {
     found=
+    ours=${DISPLAY-}
     for session in $(loginctl list-sessions --no-legend 2>/dev/null | while read -r id rest; do echo "$id"; done); do
         uid='' active='' type='' display=''
         while IFS='=' read -r key value; do
@@ -76,7 +77,7 @@ $(loginctl show-session "$session" -p User -p Active -p Type -p Display 2>/dev/n
 PROPERTIES
         case $type in x11 | wayland | mir) ;; *) continue ;; esac
         is_person "$uid" || continue
-        if [ -n "$display" ] && [ "${display%.*}" = "${DISPLAY%.*}" ]; then
+        if [ -n "$display" ] && [ "${display%.*}" = "${ours%.*}" ]; then
             found=$uid
             break
         fi
@@ -126,6 +127,11 @@ ENTRY
     bus=${DBUS_SESSION_BUS_ADDRESS-}
     [ ! -S "$runtime/bus" ] || bus=unix:path=$runtime/bus
     authority=$(cookie "$uid" "$home" "$runtime") || authority=
+    # It starts in another directory.
+    case $0 in
+        /*) script=$0 ;;
+        *) script=$PWD/$0 ;;
+    esac
     # Programs from bundles have their entries elsewhere, and only a login's environment says so.
     data=/usr/local/share:/usr/share:/var/lib/flatpak/exports/share:/var/lib/snapd/desktop
     data=$data:$home/.local/share/flatpak/exports/share
@@ -140,7 +146,7 @@ ENTRY
         ${KDE_SESSION_VERSION:+KDE_SESSION_VERSION="$KDE_SESSION_VERSION"} \
         ${LANG:+LANG="$LANG"} ${LANGUAGE:+LANGUAGE="$LANGUAGE"} ${LC_ALL:+LC_ALL="$LC_ALL"} \
         ${BROWSER:+BROWSER="$BROWSER"} \
-        /bin/sh "$0" "$@"
+        /bin/sh "$script" "$@"
     # Root's own directory can be closed to the user.
     cd "$home" 2>/dev/null || cd /
     if have runuser; then

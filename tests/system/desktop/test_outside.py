@@ -171,6 +171,11 @@ class Root(Recorders):
                       "'show-session 2') printf 'User=4711\\nActive=yes\\nType=x11\\nDisplay=:1\\n' ;;")
         self.assert_browsed_as_anna(self.browse(DISPLAY=":1.0"))
 
+    def test_without_an_x_display_the_only_active_desktop_is_found(self):
+        self.sessions("printf '2 4711 anna\\n' ;;\n"
+                      "'show-session 2') printf 'User=4711\\nActive=yes\\nType=x11\\nDisplay=:0\\n' ;;")
+        self.assert_browsed_as_anna(self.browse(WAYLAND_DISPLAY="wayland-0"))
+
     def test_of_several_desktops_none_is_guessed(self):
         self.sessions("printf '1 4000 bert\\n2 4711 anna\\n' ;;\n"
                       "'show-session 1') printf 'User=4000\\nActive=yes\\nType=x11\\n' ;;\n"
@@ -224,6 +229,16 @@ class Root(Recorders):
         self.script("stat", '#!/bin/sh\ncase $4 in %s*) echo %s ;; *) echo 0 ;; esac\n' % (self.runtime, self.UID))
         self.browse(SUDO_UID=self.UID)
         self.assertEqual(self.calls()[0][2]["XAUTHORITY"], str(self.runtime / ".mutter-Xwaylandauth.ABC"))
+
+    def test_a_script_that_was_called_by_a_relative_path_is_found_from_the_users_home(self):
+        self.real("sh")
+        for words in (["./webbrowser"], ["../%s/webbrowser" % SHARE.name], [shutil.which("sh"), "webbrowser"]):
+            with self.subTest(words=words):
+                self.forget()
+                done = self.run_script(*words, "http://host/", cwd=SHARE, PKEXEC_UID=self.UID)
+                self.assertEqual((done.returncode, done.stderr), (0, ""))
+                self.assertEqual(self.called(), [["xdg-open", "http://host/"]])
+                self.assertEqual(self.calls()[0][2]["USER"], "anna")
 
     def test_without_runuser_setpriv_does_it(self):
         (self.bin / "runuser").unlink()
