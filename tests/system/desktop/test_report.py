@@ -35,6 +35,7 @@ class Masks(unittest.TestCase):
                 ("http://anna:geheim@x@host/", "http://***@host/"),
                 ("//anna:geheim@host/", "//***@host/"),
                 ("anna:geheim@proxy:3128", "***@proxy:3128"),
+                ("anna:ge/heim@proxy:3128", "***@proxy:3128"),
                 ("proxy=anna:geheim@proxy:3128", "proxy=***@proxy:3128"),
                 ("https://h/vantry?user=geheim&pass=geheim&path=/x/y", "https://h/vantry?user=***&pass=***&path=/x/y"),
                 ("https://h/vantry?a=&b=&path=/x", "https://h/vantry?a=***&b=***&path=/x"),
@@ -67,7 +68,8 @@ class Masks(unittest.TestCase):
         self.assertEqual(self.report.masked_file(text), text)
 
     def test_values_that_go_on_in_further_lines_are_masked_too(self):
-        for text in ("password=one\n geheim\n\tgeheim=x\n\n geheim\nenabled=1", "password=\n  geheim\nenabled=1"):
+        for text in ("password=one\n geheim\n\tgeheim=x\n\n geheim\nenabled=1", "password=\n  geheim\nenabled=1",
+                     "password=one\n# two\n\n;\n geheim\nenabled=1"):
             found = self.report.masked_file(text)
             self.assertNotIn(SECRET, found)
             self.assertTrue(found.endswith("\nenabled=1"))
