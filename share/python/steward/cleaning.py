@@ -41,13 +41,17 @@ def remove(paths):
     if paths:
         removal = _Removal(paths)
         _RUNNING.append(removal)
-        removal.start()
+        try:
+            removal.start()
+        except RuntimeError:  # there is no room for another thread
+            removal.run()
 
 
 def finish():
     """Waits for what has been begun, and tells what could not be removed."""
     while _RUNNING:
         removal = _RUNNING.pop()
-        removal.join()
+        if removal.is_alive():
+            removal.join()
         for failure in removal.failures:
             LOGGER.warning('%s', masked(failure))

@@ -4,6 +4,7 @@
 import os
 import sys
 import unittest
+import unittest.mock
 
 from applying import ApplyTest, package_files
 from fixture import Rpm, build, make_repository, nevras, yumIOC
@@ -423,6 +424,15 @@ class Around(ApplyTest):
         warnings = [call for call in yumIOC.named('errorlog') if 'cannot be removed' in call[2]]
         self.assertEqual(len(warnings), 1)
         self.assertIn(stuck, warnings[0][2])
+
+    def test_theyGoWhereNoThreadCanBeStarted(self):
+        from steward import cleaning
+        program = self.begin([], [Rpm('alpha')])
+        with unittest.mock.patch.object(cleaning._Removal, 'start',
+                                        side_effect=RuntimeError("can't start new thread")):
+            program.apply('install alpha')
+            self.assertEqual(package_files(self), [])
+        self.assertNotIn('new thread', self.log())
 
     def test_keepcacheKeepsThem(self):
         self.config('[main]\nkeepcache=1\n')
