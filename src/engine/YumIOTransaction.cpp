@@ -126,7 +126,7 @@ PyObject* YumIO::tsInitCallback(PyObject*, PyObject* args)
     if (run != 0) {
         if (progress)
             progress->endItemActs();
-        startTransactionStage(tr("Preparing to Run Transaction"), 8000,
+        startTransactionStage(YumIO::tr("Preparing to Run Transaction"), 8000,
                               applyState.transactionActs + preparationActs());
         Py_RETURN_NONE;
     }
@@ -135,12 +135,12 @@ PyObject* YumIO::tsInitCallback(PyObject*, PyObject* args)
     if (!applyState.deltaRebuilt && progress) {
         progress->endItemActs();
         if (usesPresto()) {
-            progress->startItem(tr("Finishing RPM rebuild from deltas"), 2000, 1);
+            progress->startItem(YumIO::tr("Finishing RPM rebuild from deltas"), 2000, 1);
             progress->setItemValue(1);
         }
     }
     if (hasTransTest())
-        startTransactionStage(tr("Preparing to Test Transaction"), 1000, preparationActs());
+        startTransactionStage(YumIO::tr("Preparing to Test Transaction"), 1000, preparationActs());
     Py_RETURN_NONE;
 }
 

@@ -4,6 +4,7 @@
 #include "kit/Share.h"
 #include "shell/CommandLine.h"
 #include "shell/DefaultStyle.h"
+#include "shell/Language.h"
 #include "shell/MainWindow.h"
 #include "shell/QtMessages.h"
 
@@ -23,6 +24,7 @@ int run(int& argc, char** argv)
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication app(argc, argv);
     Share::settle(QCoreApplication::applicationDirPath() + QStringLiteral("/" VOK_SHARE_FROM_BIN));
+    Language::load(app);
     QtMessages::applicationStarted();
     defaultStyle.set(app, QStringLiteral("plastique"));
     QApplication::setWindowIcon(QIcon(Share::absolute(QStringLiteral("pixmaps/vok.icon.png"))));
