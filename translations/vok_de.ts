@@ -117,6 +117,10 @@ Dies entspricht yums Option debuglevel (-d).</translation>
         <source>Close the Log Window</source>
         <translation>Das Protokollfenster schließen</translation>
     </message>
+    <message>
+        <source>Messages</source>
+        <translation>Meldungen</translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>
@@ -382,7 +386,7 @@ Die Aktionen werden nicht von selbst angewendet.</translation>
     </message>
     <message>
         <source>&amp;Apply Actions</source>
-        <translation>Aktionen &amp;anwenden</translation>
+        <translation>&amp;Anwenden</translation>
     </message>
     <message>
         <source>Applies the specified Actions (Updates, Installs, and Removals)</source>
@@ -415,7 +419,7 @@ these packages are not listed currently.
 Pressing Apply will cause these actions to occur nonetheless.</source>
         <translation>Für einige Pakete sind Aktionen festgelegt, die aber wegen der jetzigen Einstellungen
 von Modus, Filter, Suche, Status, Duplikaten und Gruppen nicht gelistet sind.
-Mit „Aktionen anwenden“ werden diese Aktionen trotzdem ausgeführt.</translation>
+Mit „Anwenden“ werden diese Aktionen trotzdem ausgeführt.</translation>
     </message>
     <message>
         <source>Specify the method for using a regular expression to select packages in the table:
@@ -1270,6 +1274,10 @@ Für eine einzelne Sitzung lässt sich davon abweichen.</translation>
     <message>
         <source>Close</source>
         <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>Text</translation>
     </message>
 </context>
 <context>

@@ -24,6 +24,9 @@ QLabel* ScrollableText::add(QVBoxLayout* layout, QStyle::StandardPixmap icon, co
     auto* area = new HScrollArea(nullptr);
     area->setFrameStyle(QFrame::Plain | QFrame::NoFrame);
     area->setWidget(label);
+    // Screen readers say the beginning, and the rest as its description.
+    area->setAccessibleName(text.section(QLatin1Char('\n'), 0, 0, QString::SectionSkipEmpty));
+    area->setAccessibleDescription(text);
 
     auto* upper = new QHBoxLayout;
     upper->addWidget(image, 0, Qt::AlignTop);

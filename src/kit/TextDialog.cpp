@@ -18,6 +18,7 @@ TextDialog::TextDialog(QWidget* parent)
     m_text->setLineWrapMode(QTextEdit::NoWrap);
     m_text->setWordWrapMode(QTextOption::NoWrap);
     m_text->setTabChangesFocus(true);
+    m_text->setAccessibleName(tr("Text"));
 
     auto* close = new QPushButton(tr("Close"), this);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);

@@ -81,7 +81,9 @@ Log::Window::Window(EntryList& list, QWidget* parent)
                             .arg(defaultLevel));
     connect(m_level, QOverload<int>::of(&QSpinBox::valueChanged), this, &Window::levelChanged);
 
+    m_text->setAccessibleName(tr("Messages"));
     auto* label = new QLabel(tr("Detail level"), this);
+    label->setBuddy(m_level);
 
     auto* close = new QPushButton(tr("&Close"), this);
     close->setToolTip(tr("Close the Log Window"));

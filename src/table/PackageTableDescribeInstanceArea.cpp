@@ -46,6 +46,7 @@ Area::Area(Dialog* dialog, QVBoxLayout* box, YumIO* yumIO, const Package::Entry&
 
     int row = 0;
     addHeader(row, yumIO->getState(entry));
+    m_scrollArea->setAccessibleName(yumIO->getState(entry));
     if (entry.kind == Package::KindGroup) {
         addGroup(row);
     } else if (isPackage()) {

@@ -97,6 +97,7 @@ void RepoDialog::config(const Repo::Entry& entry)
     // screen.
     auto* scrollArea = new HScrollArea(m_contents);
     scrollArea->setFrameStyle(static_cast<int>(QFrame::Plain) | QFrame::NoFrame);
+    scrollArea->setAccessibleName(entry.id);
     auto* widget = new QWidget(scrollArea);
     m_grid = new QGridLayout;
     widget->setLayout(m_grid);

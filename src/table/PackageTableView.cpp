@@ -28,6 +28,8 @@ View::View(Model* model, SortFilterProxyModel* proxy, QWidget* parent)
     setGridStyle(Qt::NoPen);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setAlternatingRowColors(true);
+    // The arrows go from cell to cell, and Tab to the buttons behind the table.
+    setTabKeyNavigation(false);
     setContextMenuPolicy(Qt::CustomContextMenu);
     verticalHeader()->hide();
 

@@ -1,0 +1,256 @@
+// SPDX-License-Identifier: GPL-2.0-or-later
+#include "EveryWindow.h"
+
+#include "shell/Language.h"
+#include "support/ProcessPerTest.h"
+
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAccessible>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QSpinBox>
+#include <QTextEdit>
+#include <QtTest>
+
+/// Whether everything can be found by name, reached by keys and told apart without colours.
+class TestAccessibility : public QObject
+{
+    Q_OBJECT
+
+private:
+    static QString describe(const QWidget* widget)
+    {
+        QString found = QLatin1String(widget->metaObject()->className());
+        if (!widget->objectName().isEmpty())
+            found += ' ' + widget->objectName();
+        if (const auto* button = qobject_cast<const QAbstractButton*>(widget))
+            found += " \"" + button->text() + '"';
+        if (!widget->toolTip().isEmpty())
+            found += " (" + widget->toolTip().section('\n', 0, 0) + ')';
+        return found;
+    }
+
+    /// Parts of other widgets, which speak for them.
+    static bool isPart(const QWidget* widget)
+    {
+        for (const QWidget* around = widget->parentWidget(); around;
+             around = around->parentWidget()) {
+            if (qobject_cast<const QAbstractSpinBox*>(around) ||
+                qobject_cast<const QComboBox*>(around) ||
+                qobject_cast<const QAbstractItemView*>(around) ||
+                qobject_cast<const QMenu*>(around))
+                return true;
+            if (around->isWindow())
+                break;
+        }
+        return false;
+    }
+
+    static bool isControl(const QWidget* widget)
+    {
+        return (widget->focusPolicy() & Qt::TabFocus) ||
+               qobject_cast<const QAbstractButton*>(widget) ||
+               qobject_cast<const QLineEdit*>(widget) || qobject_cast<const QComboBox*>(widget) ||
+               qobject_cast<const QAbstractSpinBox*>(widget) ||
+               qobject_cast<const QTextEdit*>(widget) ||
+               qobject_cast<const QAbstractItemView*>(widget);
+    }
+
+    static QList<QWidget*> controls(const QWidget* window)
+    {
+        QList<QWidget*> found;
+        const auto children = window->findChildren<QWidget*>();
+        for (QWidget* widget : children) {
+            if (widget->isVisible() && widget->window() == window && !isPart(widget) &&
+                isControl(widget))
+                found << widget;
+        }
+        return found;
+    }
+
+    static QString nameOf(QWidget* widget)
+    {
+        QAccessibleInterface* told = QAccessible::queryAccessibleInterface(widget);
+        return told ? told->text(QAccessible::Name) : QString();
+    }
+
+    static QString mnemonicOf(const QString& text)
+    {
+        return QKeySequence::mnemonic(text).toString();
+    }
+
+    /// Keys that more than one thing in the window or menu has.
+    static QStringList shared(const QMap<QString, QStringList>& users)
+    {
+        QStringList found;
+        for (auto key = users.cbegin(); key != users.cend(); ++key) {
+            if (key.value().size() > 1)
+                found << key.key() + ": " + key.value().join(", ");
+        }
+        return found;
+    }
+
+    static QStringList sharedInMenu(const QMenu* menu)
+    {
+        QMap<QString, QStringList> users;
+        const auto actions = menu->actions();
+        for (const QAction* action : actions) {
+            const QString key = mnemonicOf(action->text());
+            if (!key.isEmpty())
+                users[key] << action->text();
+        }
+        return shared(users);
+    }
+
+    static QStringList sharedKeys(const QWidget* window)
+    {
+        if (const auto* menu = qobject_cast<const QMenu*>(window))
+            return sharedInMenu(menu);
+        QMap<QString, QStringList> users;
+        const auto add = [&users](const QString& key, const QString& user) {
+            if (!key.isEmpty())
+                users[key] << user;
+        };
+        QStringList found;
+        const auto menus = window->findChildren<QMenu*>();
+        for (const QMenu* menu : menus) {
+            found << sharedInMenu(menu);
+            const auto actions = menu->actions();
+            for (const QAction* action : actions)
+                add(action->shortcut().toString(), action->text());
+        }
+        if (const auto* bar = window->findChild<QMenuBar*>()) {
+            const auto actions = bar->actions();
+            for (const QAction* action : actions)
+                add(mnemonicOf(action->text()), action->text());
+        }
+        const auto buttons = window->findChildren<QAbstractButton*>();
+        for (const QAbstractButton* button : buttons) {
+            if (button->window() == window && !isPart(button))
+                add(mnemonicOf(button->text()), button->text());
+        }
+        const auto labels = window->findChildren<QLabel*>();
+        for (const QLabel* label : labels) {
+            if (label->buddy())
+                add(mnemonicOf(label->text()), label->text());
+        }
+        const auto groups = window->findChildren<QGroupBox*>();
+        for (const QGroupBox* group : groups)
+            add(mnemonicOf(group->title()), group->title());
+        return found + shared(users);
+    }
+
+    static void speakGerman()
+    {
+        qputenv("LC_ALL", "de_DE.UTF-8");
+        qunsetenv("LANGUAGE");
+        Language::load(*qApp);
+    }
+
+    /// What Tab comes to, until it comes round.
+    static QList<QWidget*> reached(QWidget* window)
+    {
+        QList<QWidget*> found;
+        for (int presses = 0; presses < 200; ++presses) {
+            QWidget* now = QApplication::focusWidget();
+            if (!now || now->window() != window)
+                now = window;
+            if (found.contains(now) && presses > 0 && found.first() == now)
+                break;
+            if (!found.contains(now))
+                found << now;
+            QTest::keyClick(now, Qt::Key_Tab);
+        }
+        return found;
+    }
+
+private Q_SLOTS:
+    void everythingHasAName()
+    {
+        QStringList nameless;
+        EveryWindow round([&](QWidget* window, const QString& name) {
+            if (window->windowTitle().isEmpty() && !qobject_cast<QMenu*>(window))
+                nameless << name + ": its title";
+            QList<QWidget*> all = controls(window);
+            const auto bars = window->findChildren<QProgressBar*>();
+            for (QProgressBar* bar : bars)
+                all << bar;
+            for (QWidget* widget : qAsConst(all)) {
+                if (nameOf(widget).isEmpty())
+                    nameless << name + ": " + describe(widget);
+            }
+        });
+        QVERIFY(round.walk());
+        QVERIFY2(round.visited.size() >= 18, qPrintable(round.visited.join(", ")));
+        QVERIFY2(nameless.isEmpty(), qPrintable(nameless.join('\n')));
+    }
+
+    void everythingCanBeReachedByKeys()
+    {
+        QStringList unreached;
+        EveryWindow round([&](QWidget* window, const QString& name) {
+            if (qobject_cast<QMenu*>(window) || !window->isVisible())
+                return;
+            const QList<QWidget*> found = reached(window);
+            const QList<QWidget*> all = controls(window);
+            for (QWidget* widget : all) {
+                if (widget->isEnabled() && !found.contains(widget) &&
+                    !found.contains(widget->focusProxy()))
+                    unreached << name + ": " + describe(widget);
+            }
+        });
+        QVERIFY(round.walk());
+        QVERIFY2(unreached.isEmpty(), qPrintable(unreached.join('\n')));
+    }
+
+    void noTwoThingsInAWindowHaveTheSameKey()
+    {
+        // These two texts are as they have always been. Alt+C goes from one to the other.
+        const QString known = QStringLiteral("Alt+C: &Cache, &Clear Actions");
+        QStringList found;
+        EveryWindow round([&](QWidget* window, const QString& name) {
+            for (const QString& keys : sharedKeys(window)) {
+                if (keys != known)
+                    found << name + ": " + keys;
+            }
+        });
+        QVERIFY(round.walk());
+        QVERIFY2(found.isEmpty(), qPrintable(found.join('\n')));
+    }
+
+    void inGermanNoTwoThingsHaveTheSameKeyEither()
+    {
+#ifndef VOK_TRANSLATIONS
+        QSKIP("built without translations");
+#else
+        QStringList found;
+        QStringList titles;
+        EveryWindow round([&](QWidget* window, const QString& name) {
+            for (const QString& keys : sharedKeys(window))
+                found << name + ": " + keys;
+            titles << window->windowTitle();
+        });
+        speakGerman();
+        QVERIFY(round.walk());
+        QVERIFY(titles.contains("VOK-Protokoll"));
+        QVERIFY2(found.isEmpty(), qPrintable(found.join('\n')));
+#endif
+    }
+};
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    TestAccessibility tests;
+    return runEachTestInItsOwnProcess(tests, argc, argv);
+}
+#include "tst_Accessibility.moc"
