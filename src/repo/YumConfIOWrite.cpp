@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/SystemRoot.h"
 #include "repo/ConfigText.h"
+#include "repo/Vantry.h"
 #include "repo/YumConfIO.h"
 
 #include <QFile>
 #include <QMessageBox>
+#include <QRegularExpression>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -189,6 +191,18 @@ bool replaceContent(int fd, const QByteArray& text)
            ftruncate(fd, text.size()) == 0;
 }
 
+/// Rights of a new file with this text. What holds a password is for its owner only.
+mode_t rightsOf(const QByteArray& text)
+{
+    static const QRegularExpression inUrl(QStringLiteral("://[^/\\s]*@"));
+    static const QRegularExpression option(QStringLiteral("^\\w*password\\s*[=:]"),
+                                           QRegularExpression::MultilineOption);
+    const QString shown = QString::fromLatin1(text);
+    const bool secret = shown.contains(Repo::Vantry::urlsRegExp()) || shown.contains(inUrl) ||
+                        shown.contains(option);
+    return secret ? 0600 : 0666;
+}
+
 } // namespace
 
 bool YumConfIO::write(QWidget* parent)
@@ -369,7 +383,7 @@ bool YumConfIO::writeFile(const QString& path, const QByteArray& text)
         int fd = open(bytes.constData(), flags);
         const bool isNew = fd < 0 && errno == ENOENT;
         if (isNew)
-            fd = open(bytes.constData(), flags | O_CREAT, 0666);
+            fd = open(bytes.constData(), flags | O_CREAT, rightsOf(text));
         if (fd < 0) {
             failure = errno;
         } else {

@@ -47,6 +47,8 @@ Dialog::Dialog(QWidget* parent)
 
 Dialog::~Dialog()
 {
+    // The keyboard leaves a child when half of this is gone.
+    disconnect(qApp, nullptr, this, nullptr);
     clearContents();
 }
 

@@ -142,8 +142,10 @@ class _Events(_LIBRARYS):
         """The items of a package that rpm knows by its name only."""
         if self._by_name is None:
             self._by_name = {}
+            # Where the library doesn't say which actions are rpm's, it looks itself.
+            actions = getattr(dnf.yum.rpmtrans, 'RPM_ACTIONS_SET', ())
             for item in self.base.transaction:
-                if item.action in dnf.yum.rpmtrans.RPM_ACTIONS_SET:
+                if item.action in actions:
                     self._by_name.setdefault(str(item), []).append(_Element(item))
         return self._by_name.get(name)
 

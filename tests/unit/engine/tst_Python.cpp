@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "engine/Python.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -84,7 +83,6 @@ private Q_SLOTS:
     void inactiveLockWrapperDoesNotLock();
     void callsKeepReferenceCounts();
     void failuresKeepReferenceCounts();
-    void methodCallsAreFast();
 
 private:
     Probe python;
@@ -538,17 +536,6 @@ void TestPython::failuresKeepReferenceCounts()
     // The last failure, kept by the interpreter for its user, may hold one.
     QVERIFY2(qAbs(Py_REFCNT(thing) - before[0]) < 3, "the method's object is kept");
     python.py("sys.stderr = sys.__stderr__");
-}
-
-void TestPython::methodCallsAreFast()
-{
-    PyObject* thing = python.pyLookup("thing", false);
-    QElapsedTimer timer;
-    timer.start();
-    for (int round = 0; round < 200000; ++round)
-        python.pyMethodCall(thing, "me", "()");
-    // A tenth of a second on any machine of today; the bound only catches work out of proportion.
-    QVERIFY2(timer.elapsed() < 2000, qPrintable(QString::number(timer.elapsed())));
 }
 
 QTEST_MAIN(TestPython)

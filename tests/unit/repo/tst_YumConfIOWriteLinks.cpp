@@ -15,6 +15,8 @@ class TestYumConfIOWriteLinks : public WriteTest
 
 private Q_SLOTS:
     void writesInPlace();
+    void aNewFileWithAPasswordIsItsOwnersOnly_data();
+    void aNewFileWithAPasswordIsItsOwnersOnly();
     void writesThroughASymbolicLink();
     void writesThroughASymbolicMainFile();
     void aShorterTextLeavesNothingOfTheLonger();
@@ -52,6 +54,51 @@ void TestYumConfIOWriteLinks::writesInPlace()
     QCOMPARE(after.st_uid, before.st_uid);
     QCOMPARE(after.st_gid, before.st_gid);
     QCOMPARE(content(name), QByteArray("[x]\nname=X\n"));
+}
+
+void TestYumConfIOWriteLinks::aNewFileWithAPasswordIsItsOwnersOnly_data()
+{
+    QTest::addColumn<QString>("baseurl");
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<int>("rights");
+
+    QTest::newRow("none") << "http://h/"
+                          << "" << 0644;
+    QTest::newRow("query") << "http://h/vantry?n=me&p=secret&path=/r"
+                           << "" << 0600;
+    QTest::newRow("path") << "http://h/rhel/n=me/p=secret/r"
+                          << "" << 0600;
+    QTest::newRow("user") << "http://me:secret@h/"
+                          << "" << 0600;
+    QTest::newRow("option") << "http://h/"
+                            << "password=secret\n"
+                            << 0600;
+    QTest::newRow("option of the proxy") << "http://h/"
+                                         << "proxy_password: secret\n"
+                                         << 0600;
+    QTest::newRow("another option") << "http://h/"
+                                    << "cost=5\n"
+                                    << 0644;
+}
+
+void TestYumConfIOWriteLinks::aNewFileWithAPasswordIsItsOwnersOnly()
+{
+    QFETCH(QString, baseurl);
+    QFETCH(QString, other);
+    QFETCH(int, rights);
+    const mode_t mask = umask(022);
+    QVERIFY(read());
+    Repo::Entry entry = makeEntry("new");
+    entry.baseurl = baseurl;
+    entry.other = other;
+    io->entries << entry;
+    const bool written = write();
+    umask(mask);
+    QVERIFY(written);
+    struct stat info {
+    };
+    QCOMPARE(stat(QFile::encodeName(tree->path(repo("new.repo"))).constData(), &info), 0);
+    QCOMPARE(static_cast<int>(info.st_mode & 0777), rights);
 }
 
 void TestYumConfIOWriteLinks::writesThroughASymbolicLink()
