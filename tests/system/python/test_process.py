@@ -152,7 +152,7 @@ class Logs(unittest.TestCase):
                 'exec(compile(open(os.path.join(fixture.SHARE, "python/YumIO.py")).read(),'
                 ' "YumIO.py", "exec"), names)\n'
                 'print("out"); sys.stderr.write("err")\n'
-                'sys.__stdout__.write(repr(yumIOC.calls))'
+                'sys.__stdout__.write(repr(yumIOC.calls)); sys.__stdout__.flush()'
                 % os.path.dirname(os.path.abspath(__file__)))
         result = subprocess.run([sys.executable, '-c', code], stdout=subprocess.PIPE,
                                 universal_newlines=True, check=True).stdout

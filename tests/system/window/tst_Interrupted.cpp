@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "Display.h"
+#include "Output.h"
 #include "Program.h"
 #include "Sandbox.h"
 
@@ -14,14 +15,6 @@ namespace
 {
 
 const QString sandbox = QStringLiteral(VOK_SANDBOX "-interrupted");
-
-QString output(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    process.waitForFinished();
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
-}
 
 /// Somebody who marks an update with the keyboard, applies it, and is interrupted.
 class Interrupted
@@ -100,13 +93,7 @@ public:
     QString installed() const { return installed(name); }
 
     /// Whole transactions that the history has, with their states.
-    QString history() const
-    {
-        const QString file = root.path("var/lib/dnf/history.sqlite");
-        return QFile::exists(file)
-                   ? output("sqlite3", {file, "select state from trans where dt_end is not null"})
-                   : QString();
-    }
+    QString history() const { return historyStates(root.path("var/lib/dnf/history.sqlite")); }
 
     /// Nothing was changed, and the next one finds no obstacle.
     void verifyUntouched()

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
+#include "Output.h"
 #include "OwnRoot.h"
 #include "Program.h"
 #include "Sandbox.h"
@@ -24,14 +25,6 @@ const char logWindow[] = "^VOK Log$";
 const char reviewWindow[] = "^Apply$";
 /// From the pattern, which has the keyboard at first.
 const QStringList toTheTable{"Tab", "Tab", "Tab", "Tab", "Tab"};
-
-QString output(const QString& program, const QStringList& arguments)
-{
-    QProcess process;
-    process.start(program, arguments);
-    process.waitForFinished();
-    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
-}
 
 /// Somebody in front of the machine that is administered. Its packages are the sandbox's; of files
 /// it has its own, too.
@@ -172,9 +165,7 @@ public:
     /// States of the whole transactions that the history has.
     static QString history()
     {
-        return output("sqlite3", {"/var/lib/dnf/history.sqlite",
-                                  "select state from trans where dt_end is not null"})
-            .replace('\n', ' ');
+        return historyStates(QStringLiteral("/var/lib/dnf/history.sqlite"));
     }
 
     static bool locked() { return QFile::exists("/var/lib/dnf/rpmdb_lock.pid"); }
