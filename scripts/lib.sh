@@ -10,7 +10,7 @@ DEBIAN_BUILD="g++ cmake ninja-build pkg-config qtbase5-dev qt5-style-plugins pyt
 DEBIAN_DEMO="rpm createrepo-c gnupg gpg-agent busybox-static dbus fonts-dejavu-core tar util-linux"
 DEBIAN_DISPLAY="xvfb openbox xdotool x11-utils imagemagick"
 DEBIAN_TEST="pyflakes3 appstream desktop-file-utils librsvg2-bin shellcheck zsh strace
-    qttools5-dev qttools5-dev-tools qttranslations5-l10n
+    qttools5-dev qttools5-dev-tools qttranslations5-l10n rpm-i18n
     asciidoctor ruby-asciidoctor-pdf mandoc man-db"
 DEBIAN_FUZZ="clang libclang-rt-dev"
 DEBIAN_PACKAGE="rpm debugedit asciidoctor ruby-asciidoctor-pdf"

@@ -22,7 +22,7 @@ import yumIOC
 from dnf.i18n import _
 from libdnf.transaction import TransactionItemState_DONE as DONE
 
-from steward import lock
+from steward import complaints, lock
 from steward.errors import LIBRARY, text_of
 from steward.system import below_root
 from steward.texts import masked
@@ -44,7 +44,7 @@ _REMOVALS = (40, 50, 90)
 # The library's own word, in its own translation, for a run that rpm refused to begin.
 _NOT_RUN = _('Could not run transaction.')
 _SCRIPTLET = re.compile(r'Error in (\S+) scriptlet in rpm package (\S+)\Z')
-_COMPLAINT = re.compile(r'error: |warning: .* scriptlet failed')
+_COMPLAINT = complaints.pattern()
 _PARTS = {
     'PREIN': 'the script that runs before its installation',
     'POSTIN': 'the script that runs after its installation',
