@@ -117,6 +117,8 @@ void Dialog::orderTabs()
             first = widget;
         last = widget;
     }
+    if (!first)
+        return;
     setTabOrder(last, m_close);
     first->setFocus();
 }
