@@ -1254,6 +1254,22 @@ Für eine einzelne Sitzung lässt sich davon abweichen.</translation>
         <source>Description of the repository</source>
         <translation>Beschreibung der Paketquelle</translation>
     </message>
+    <message>
+        <source>Used in this session, enabled in the configuration</source>
+        <translation>In dieser Sitzung benutzt, laut Konfiguration eingeschaltet</translation>
+    </message>
+    <message>
+        <source>Used in this session, not enabled in the configuration</source>
+        <translation>In dieser Sitzung benutzt, laut Konfiguration nicht eingeschaltet</translation>
+    </message>
+    <message>
+        <source>Not used in this session, enabled in the configuration</source>
+        <translation>In dieser Sitzung nicht benutzt, laut Konfiguration eingeschaltet</translation>
+    </message>
+    <message>
+        <source>Not used in this session, not enabled in the configuration</source>
+        <translation>In dieser Sitzung nicht benutzt, laut Konfiguration nicht eingeschaltet</translation>
+    </message>
 </context>
 <context>
     <name>RepoEditor::View</name>

@@ -6,6 +6,7 @@
 #include "kit/HSortFilterProxyModel.h"
 #include "kit/ScreenLimit.h"
 
+#include <QAccessible>
 #include <QHeaderView>
 #include <QItemSelectionModel>
 #include <QScrollBar>
@@ -191,4 +192,20 @@ int HTableView::frameOnlyAroundContentsPixels() const
     if (!style()->styleHint(QStyle::SH_ScrollView_FrameOnlyAroundContents, nullptr, this))
         return 0;
     return 2 * style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, this);
+}
+
+void HTableView::followCurrent(const QModelIndex& current, const QModelIndex& previous)
+{
+    // A row that the mouse is on doesn't move.
+    if (current.isValid() && isVisible() && hasAutoScroll())
+        scrollTo(current);
+    update(previous);
+    update(current);
+    if (!QAccessible::isActive() || !current.isValid())
+        return;
+    // Both headers count as cells, whether or not they are shown.
+    const int columns = current.model()->columnCount() + 1;
+    QAccessibleEvent event(this, QAccessible::Focus);
+    event.setChild((current.row() + 1) * columns + current.column() + 1);
+    QAccessible::updateAccessibility(&event);
 }

@@ -36,6 +36,11 @@ public:
     /// Width of the frame that some styles draw around the contents alone, both sides together.
     int frameOnlyAroundContentsPixels() const;
 
+protected:
+    /// Shows a new current cell and tells screen readers of it, as the base does. For views that
+    /// don't call the base's currentChanged().
+    void followCurrent(const QModelIndex& current, const QModelIndex& previous);
+
 private:
     std::vector<int> widestHints(const QStyleOptionViewItem& option) const;
     int widestHint(int column, const QStyleOptionViewItem& option) const;

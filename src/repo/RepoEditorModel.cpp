@@ -83,6 +83,18 @@ QVariant Model::data(const QModelIndex& index, int role) const
     return QVariant();
 }
 
+QString Model::checks(const QModelIndex& index) const
+{
+    if (!isRow(index))
+        return QString();
+    const Repo::Entry& entry = conf->entries.at(index.row());
+    if (isUsed(entry))
+        return isEnabled(entry) ? tr("Used in this session, enabled in the configuration")
+                                : tr("Used in this session, not enabled in the configuration");
+    return isEnabled(entry) ? tr("Not used in this session, enabled in the configuration")
+                            : tr("Not used in this session, not enabled in the configuration");
+}
+
 QVariant Model::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal)

@@ -49,6 +49,9 @@ public:
     /// The view's font; an identifier that is missing is shown in its italics.
     void setViewFont(const QFont& font);
 
+    /// Both checks of a row in words; empty where there is no such row.
+    QString checks(const QModelIndex& index) const;
+
     /// The index of the row in the first column.
     QModelIndex createIndex(int row) const;
 

@@ -37,6 +37,7 @@ View::View(Model* model, QSortFilterProxyModel* proxy, QWidget* parent)
     connect(header, &QHeaderView::sectionClicked, this, &View::handleHorizontalHeaderClicked);
     connect(this, &QAbstractItemView::clicked, this, &View::handleClicked);
     connect(this, &QAbstractItemView::doubleClicked, this, &View::handleActivated);
+    connect(proxy, &QAbstractItemModel::dataChanged, this, &View::describeCurrent);
     connect(this, &QWidget::customContextMenuRequested, this,
             &View::handleCustomContextMenuRequested);
 }
@@ -97,11 +98,8 @@ void View::handleCustomContextMenuRequested(const QPoint& pos)
 
 void View::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
-    // As the base does for the keyboard; a row that the mouse is on doesn't move.
-    if (current.isValid() && isVisible() && hasAutoScroll())
-        scrollTo(current);
-    update(previous);
-    update(current);
+    describeCurrent();
+    followCurrent(current, previous);
 
     const int currentRow = proxy->mapToSource(current).row();
     const int previousRow = proxy->mapToSource(previous).row();
@@ -111,9 +109,16 @@ void View::currentChanged(const QModelIndex& current, const QModelIndex& previou
     Q_EMIT currentChanged(currentRow, previousRow);
 }
 
+void View::describeCurrent()
+{
+    // The checks are pictures, which a screen reader can't tell.
+    setAccessibleDescription(repositories->checks(proxy->mapToSource(currentIndex())));
+}
+
 void View::reset()
 {
     HTableView::reset();
+    describeCurrent();
     const int previousRow = std::exchange(toldRow, -1);
     if (previousRow != -1)
         Q_EMIT currentChanged(-1, previousRow);

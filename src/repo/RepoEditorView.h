@@ -48,6 +48,7 @@ protected Q_SLOTS:
     void handleActivated(const QModelIndex& index);
     void handleCustomContextMenuRequested(const QPoint& pos);
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void describeCurrent();
 
 protected:
     void focusInEvent(QFocusEvent* event) override;

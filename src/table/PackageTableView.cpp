@@ -44,6 +44,7 @@ View::View(Model* model, SortFilterProxyModel* proxy, QWidget* parent)
 
     connect(header, &QHeaderView::sectionClicked, this, &View::handleHorizontalHeaderClicked);
     connect(this, &QAbstractItemView::clicked, this, &View::handleActivated);
+    connect(proxy, &QAbstractItemModel::dataChanged, this, &View::describeCurrent);
     connect(this, &QWidget::customContextMenuRequested, this,
             &View::handleCustomContextMenuRequested);
 }
@@ -83,11 +84,8 @@ void View::handleCustomContextMenuRequested(QPoint pos)
 
 void View::currentChanged(const QModelIndex& current, const QModelIndex& previous)
 {
-    // As the base does for the keyboard; a row that the mouse is on doesn't move.
-    if (current.isValid() && isVisible() && hasAutoScroll())
-        scrollTo(current);
-    update(previous);
-    update(current);
+    describeCurrent();
+    followCurrent(current, previous);
 
     const int currentRow = proxy->mapToSource(current).row();
     const int previousRow = proxy->mapToSource(previous).row();
@@ -97,9 +95,23 @@ void View::currentChanged(const QModelIndex& current, const QModelIndex& previou
     Q_EMIT currentChanged(currentRow, previousRow);
 }
 
+void View::describeCurrent()
+{
+    // These cells are pictures, which a screen reader can't tell.
+    QStringList words;
+    for (int column : {ColumnAction, ColumnState, ColumnKind})
+        words << currentIndex()
+                     .sibling(currentIndex().row(), column)
+                     .data(Qt::ToolTipRole)
+                     .toString();
+    words.removeAll(QString());
+    setAccessibleDescription(words.join(QStringLiteral(", ")));
+}
+
 void View::reset()
 {
     HTableView::reset();
+    describeCurrent();
     const int previousRow = std::exchange(toldRow, -1);
     if (previousRow != -1)
         Q_EMIT currentChanged(-1, previousRow);

@@ -46,6 +46,7 @@ protected Q_SLOTS:
     void handleActivated(QModelIndex ix);
     void handleCustomContextMenuRequested(QPoint pos);
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
+    void describeCurrent();
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -3,6 +3,7 @@
 
 #include "shell/Language.h"
 #include "support/ProcessPerTest.h"
+#include "table/PackageTable.h"
 
 #include <QAbstractButton>
 #include <QAbstractItemView>
@@ -16,8 +17,10 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QProcess>
 #include <QProgressBar>
 #include <QSpinBox>
+#include <QTableView>
 #include <QTextEdit>
 #include <QtTest>
 
@@ -173,6 +176,14 @@ private:
         return found;
     }
 
+    static inline QStringList focused;
+    /// Keeps the names of the table's cells that get the keyboard.
+    static void noteFocus(QAccessibleEvent* event)
+    {
+        if (event->type() == QAccessible::Focus && event->child() >= 0)
+            focused << event->accessibleInterface()->text(QAccessible::Name);
+    }
+
 private Q_SLOTS:
     void everythingHasAName()
     {
@@ -210,6 +221,60 @@ private Q_SLOTS:
         });
         QVERIFY(round.walk());
         QVERIFY2(unreached.isEmpty(), qPrintable(unreached.join('\n')));
+    }
+
+    void picturesInTablesAreSaidInWords()
+    {
+        WindowLife life;
+        QVERIFY(life.start());
+        QTableView* table = life.table();
+        QCOMPARE(table->accessibleDescription(), QString());
+        table->setCurrentIndex(life.cell("alpha", PackageTable::ColumnName));
+        const QString still("Package is available to update an out-of-date version, "
+                            "Ordinary package");
+        QCOMPARE(table->accessibleDescription(), still);
+        QTest::keyClick(table, Qt::Key_Space);
+        QCOMPARE(table->accessibleDescription(), "Update package, " + still);
+        life.select("state", PackageTable::ViewAll);
+        QCOMPARE(table->accessibleDescription(), QString());
+
+        QString told;
+        QString toldWithoutUse;
+        life.dialogs.expect("VOK Repository Configuration Editor")
+            .act([&](QWidget* window) {
+                auto* list = window->findChild<QTableView*>();
+                list->setCurrentIndex(list->model()->index(0, 0));
+                told = list->accessibleDescription();
+                QTest::keyClick(list, Qt::Key_Space);
+                toldWithoutUse = list->accessibleDescription();
+            })
+            .press("Cancel");
+        life.action("Edit Configuration")->trigger();
+        QCOMPARE(told, QString("Used in this session, enabled in the configuration"));
+        QCOMPARE(toldWithoutUse, QString("Not used in this session, enabled in the configuration"));
+    }
+
+    void screenReadersFollowTheCurrentCell()
+    {
+        WindowLife life;
+        QVERIFY(life.start());
+        life.select("state", PackageTable::ViewAll);
+        // A person's own bus is left as it is.
+        if (!qEnvironmentVariableIsSet("VOK_OWN_BUS"))
+            QSKIP("wants a bus of its own");
+        QProcess::execute(QStringLiteral("dbus-send"),
+                          {"--session", "--print-reply", "--dest=org.a11y.Bus", "/org/a11y/bus",
+                           "org.freedesktop.DBus.Properties.Set", "string:org.a11y.Status",
+                           "string:IsEnabled", "variant:boolean:true"});
+        if (!QTest::qWaitFor(QAccessible::isActive, 2000))
+            QSKIP("no bus for screen readers here");
+        focused.clear();
+        QAccessible::installUpdateHandler(noteFocus);
+        life.table()->setCurrentIndex(life.cell("gamma", PackageTable::ColumnName));
+        QCOMPARE(focused, QStringList{"gamma"});
+        QTest::keyClick(life.table(), Qt::Key_Right);
+        QCOMPARE(focused, (QStringList{"gamma", "3.0-1"}));
+        QAccessible::installUpdateHandler(nullptr);
     }
 
     void noTwoThingsInAWindowHaveTheSameKey()
