@@ -121,6 +121,18 @@ Dies entspricht yums Option debuglevel (-d).</translation>
         <source>Messages</source>
         <translation>Meldungen</translation>
     </message>
+    <message>
+        <source>Output</source>
+        <translation>Ausgabe</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Warnung</translation>
+    </message>
+    <message>
+        <source>Error</source>
+        <translation>Fehler</translation>
+    </message>
 </context>
 <context>
     <name>MainWindow</name>

@@ -174,6 +174,29 @@ void Log::Window::clear()
     m_text->clear();
 }
 
+void Log::Window::explainColor(int kind)
+{
+    QTextCharFormat explained;
+    switch (kind) {
+    case Output:
+        explained.setToolTip(tr("Output"));
+        break;
+    case Warning:
+        explained.setToolTip(tr("Warning"));
+        break;
+    case Error:
+        explained.setToolTip(tr("Error"));
+        break;
+    default:
+        // A heading is told by its size.
+        return;
+    }
+    QTextCursor line(m_text->document());
+    line.movePosition(QTextCursor::End);
+    line.movePosition(QTextCursor::StartOfBlock, QTextCursor::KeepAnchor);
+    line.mergeCharFormat(explained);
+}
+
 void Log::Window::render()
 {
     QList<Entry> added;
@@ -194,8 +217,10 @@ void Log::Window::render()
     QTextCursor cursor(m_text->document());
     cursor.beginEditBlock();
     for (const Entry& entry : qAsConst(added)) {
-        if (entry.level <= level)
-            m_text->appendCompact(markup(entry));
+        if (entry.level > level)
+            continue;
+        m_text->appendCompact(markup(entry));
+        explainColor(entry.kind);
     }
     cursor.endEditBlock();
     if (atEnd)

@@ -36,6 +36,8 @@ public Q_SLOTS:
 
 private:
     void render();
+    /// Says in a tool tip of the last line what its colour means.
+    void explainColor(int kind);
     void scrollToEnd();
     void clear();
 

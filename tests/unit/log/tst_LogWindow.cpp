@@ -28,6 +28,7 @@ private Q_SLOTS:
     void anEmptyLogOpensAnEmptyWindowWithoutRunningEvents();
     void levelZeroShowsOnlyEntriesOfLevelZero();
     void skippedEntriesComeBackWhenTheLevelIsRaised();
+    void kindsAreToldInWordsToo();
     void kindsHaveTheirColors_data();
     void kindsHaveTheirColors();
     void anActionIsAHeadingWithoutMargins();
@@ -186,6 +187,21 @@ void TestLogWindow::kindsHaveTheirColors()
     write(Log::Plain, 0, "next");
     QVERIFY(!lastLine().begin().fragment().charFormat().hasProperty(QTextFormat::ForegroundBrush));
     QCOMPARE(text(), QString("line\nnext"));
+}
+
+void TestLogWindow::kindsAreToldInWordsToo()
+{
+    m_window->show();
+    const auto tip = [this] { return lastLine().begin().fragment().charFormat().toolTip(); };
+    write(Log::Error, 0, "went wrong");
+    QCOMPARE(tip(), QString("Error"));
+    write(Log::Plain, 0, "next");
+    QCOMPARE(tip(), QString());
+    write(Log::Warning, 0, "may go wrong");
+    QCOMPARE(tip(), QString("Warning"));
+    write(Log::Output, 0, "said");
+    QCOMPARE(tip(), QString("Output"));
+    QCOMPARE(text(), QString("went wrong\nnext\nmay go wrong\nsaid"));
 }
 
 void TestLogWindow::anActionIsAHeadingWithoutMargins()
