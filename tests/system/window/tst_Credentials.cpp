@@ -290,6 +290,10 @@ private Q_SLOTS:
         const QString trace = directory.filePath("trace");
         QProcess process;
         process.setProcessChannelMode(QProcess::MergedChannels);
+        // Leaks can't be looked for in a process that is being traced.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("ASAN_OPTIONS", environment.value("ASAN_OPTIONS") + ":detect_leaks=0");
+        process.setProcessEnvironment(environment);
         process.start(strace, {"-f", "--seccomp-bpf", "-qq", "-v", "-s", "100000", "-e",
                                "trace=execve,execveat", "-o", trace,
                                QCoreApplication::applicationFilePath(),
