@@ -2219,6 +2219,10 @@ In manchen Distributionen kommt das durch PackageKit vor.</translation>
         <source>Preparing to Test Transaction</source>
         <translation>Bereite den Test der Transaktion vor</translation>
     </message>
+    <message>
+        <source>Unable to remove %1</source>
+        <translation>Nicht zu entfernen: %1</translation>
+    </message>
 </context>
 <context>
     <name>YumIOCapturers</name>

@@ -169,6 +169,8 @@ YumIO::YumIO()
 
 YumIO::~YumIO()
 {
+    // It may have something for the log.
+    remover.finish();
     {
         PyGILStateWrapper lock(true);
         if (Python::initialized)

@@ -5,6 +5,7 @@
 #include "engine/Blocker.h"
 #include "engine/CollectState.h"
 #include "engine/EntryKey.h"
+#include "engine/FileRemover.h"
 #include "engine/Package.h"
 #include "engine/Python.h"
 #include "engine/TransactionGuard.h"
@@ -226,6 +227,8 @@ public:
     PyObject* collectGrabMultiMeterNew(PyObject* self, PyObject* args);
     PyObject* collectGrabMultiMeterRemove(PyObject* self, PyObject* args);
     PyObject* collectGrabMultiMeterEnd(PyObject* self, PyObject* args);
+    // YumIOClean.cpp
+    PyObject* removeFiles(PyObject* self, PyObject* args);
     // YumIOApplyDownload.cpp
     PyObject* applyGrabMeterStart(PyObject* self, PyObject* args);
     PyObject* applyGrabMeterUpdate(PyObject* self, PyObject* args);
@@ -607,5 +610,6 @@ private:
     QSet<QString> sharedWords;                 ///< repository ids and architectures of the rows
     quint32 nextSerial = 0;                    ///< of the packages
     std::unique_ptr<SearchTexts> searchTexts;  ///< GUI thread only; goes with the entries
+    FileRemover remover;                       ///< of package files after an Apply
     QSet<const Package::Entry*> groupsVisited; ///< groups whose sub-groups are being looked at
 };

@@ -54,6 +54,8 @@ bool YumIO::applyReal()
     applyState.depActs = applyState.depPackages;
     progress->setupItemActs(9900, applyState.depHeaders * Meters::headerActs + applyState.depActs);
 
+    // What it removes may be what is downloaded next.
+    remover.finish();
     if (!reapChildren()) {
         progress->reset();
         return false;

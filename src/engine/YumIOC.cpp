@@ -75,6 +75,7 @@ PyMethodDef functions[] = {
     VOK_FUNCTION(tsEvent),
     VOK_FUNCTION(postTransactionOutput),
     VOK_FUNCTION(gpgsigcheck),
+    VOK_FUNCTION(removeFiles),
     {nullptr, nullptr, 0, nullptr},
 };
 

@@ -95,8 +95,31 @@ bool YumIO::hasMultiProgress()
                   [this] { return pyMethodCall(yumIO, "hasMultiProgress", "()"); });
 }
 
+PyObject* YumIO::removeFiles(PyObject*, PyObject* args)
+{
+    PyObject* paths = nullptr;
+    if (!PyArg_ParseTuple(args, "O", &paths))
+        return nullptr;
+    const PyRef sequence = PyRef::adopt(PySequence_Fast(paths, "a sequence of paths is wanted"));
+    if (!sequence)
+        return nullptr;
+    QList<QByteArray> names;
+    for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(sequence.get()); ++i) {
+        PyObject* bytes = nullptr;
+        if (!PyUnicode_FSConverter(PySequence_Fast_GET_ITEM(sequence.get(), i), &bytes))
+            return nullptr;
+        const PyRef name = PyRef::adopt(bytes);
+        names << PyBytes_AS_STRING(name.get());
+    }
+    remover.begin(names, [this](const QString& line) {
+        log(Log::Warning, 0, tr("Unable to remove %1").arg(line));
+    });
+    Py_RETURN_NONE;
+}
+
 bool YumIO::cleanStep(const char* method)
 {
+    remover.finish();
     const PyRef result = pyMethodCall(yumIO, method, "()");
     const bool coded = result && PyTuple_Check(result.get()) && PyTuple_GET_SIZE(result.get()) > 0;
     const long code = coded ? PyLong_AsLong(PyTuple_GET_ITEM(result.get(), 0)) : -1;

@@ -34,6 +34,10 @@ _PAUSE = 0.05
 _LIBRARYS = dnf.yum.rpmtrans.RPMTransaction
 # rpm's callbacks of which there are many a package.
 _MANY = (rpm.RPMCALLBACK_INST_PROGRESS, rpm.RPMCALLBACK_UNINST_PROGRESS)
+# Those, too, but nobody is told of them.
+_UNTOLD = (rpm.RPMCALLBACK_TRANS_PROGRESS, rpm.RPMCALLBACK_INST_START,
+           getattr(rpm, 'RPMCALLBACK_VERIFY_PROGRESS', None))
+_OPEN, _CLOSE = rpm.RPMCALLBACK_INST_OPEN_FILE, rpm.RPMCALLBACK_INST_CLOSE_FILE
 # The answer where a package's file cannot be opened. rpm's module ends the process for one that is no
 # number, and leaves the package out for one that is no open file.
 _NO_FILE = -1
@@ -108,20 +112,25 @@ class _Events(_LIBRARYS):
         self._next = 0.0
 
     def callback(self, what, amount, total, key, client_data):
-        answer = None
+        if what in _UNTOLD:
+            return None
         try:
+            if what == _OPEN:
+                return self._instOpenFile(key)
+            if what == _CLOSE:
+                if self.fd is not None:
+                    self._instCloseFile(key)
+                return None
             if what in _MANY:
                 # A package's first and last, and what the eye can follow of those between.
                 now = time.monotonic()
                 if amount < total and now < self._next:
                     return None
                 self._next = now + _PAUSE
-            answer = super().callback(what, amount, total, key, client_data)
+            return super().callback(what, amount, total, key, client_data)
         except BaseException as exc:  # pylint: disable=broad-except
             self._keep(exc)
-        if answer is None and what == rpm.RPMCALLBACK_INST_OPEN_FILE:
-            return _NO_FILE
-        return answer
+        return _NO_FILE if what == _OPEN else None
 
     def _elemProgress(self, key, index):
         self._next = 0.0
@@ -158,7 +167,7 @@ class _Events(_LIBRARYS):
         except OSError as exc:
             for display in self.displays:
                 display.error('%s cannot be opened: %s' % (element.path, exc.strerror))
-            return None
+            return _NO_FILE
         return self.fd.fileno()
 
 

@@ -12,7 +12,7 @@ import shutil
 import hawkey
 import yumIOC
 
-from steward import arches, caches, cleaning, errors, execution, extradata, groups, lock, logs
+from steward import arches, caches, errors, execution, extradata, groups, lock, logs
 from steward import meters, packagefiles, packages, signatures, system, transaction
 from yum.Errors import YumBaseError
 
@@ -158,8 +158,7 @@ class Session:
 
     @errors.quiet(lambda: None)
     def collectDone(self):
-        """Leaves nothing that runs: between two operations the program keeps the interpreter."""
-        cleaning.finish()
+        return None
 
     @errors.quiet(lambda: False)
     def isBetterThan(self, best, new):
@@ -198,7 +197,6 @@ class Session:
     def apply(self, installs, updates, removes):
         """The marked changes as one transaction, which the user sees and confirms before."""
         self._applying = True
-        cleaning.finish()
         self._sack()
         if not system.is_superuser():
             raise YumBaseError('The packages of a system can only be changed with superuser '
@@ -258,7 +256,6 @@ class Session:
     # Caches
 
     def _clean(self, pattern, kind):
-        cleaning.finish()
         return caches.clean(self.system.conf.cachedir, pattern, kind,
                             functools.partial(yumIOC.log, 2))
 

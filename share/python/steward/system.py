@@ -24,8 +24,9 @@ import hawkey
 import libdnf.conf
 import libdnf.error
 import rpm
+import yumIOC
 
-from steward import cleaning, extradata, lock, metadata, packages
+from steward import extradata, lock, metadata, packages
 from steward.errors import repo_error, text_of
 from steward.keys import KeyQuestion
 from yum.Errors import RepoError
@@ -401,11 +402,17 @@ class System:
         self.close_database()
         try:
             self._unload_plugins()
-            # What a transaction was made of.
-            self.base._clean_packages = cleaning.remove
+            # What a transaction was made of. The library would wait for the disk.
+            self.base._clean_packages = _remove
             self.base.close()
         except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError, KeyError, OSError) as exc:
             LOGGER.warning('%s', text_of(exc))
+
+
+def _remove(paths):
+    paths = list(paths)
+    if paths:
+        yumIOC.removeFiles(paths)
 
 
 def end_current():

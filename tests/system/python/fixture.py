@@ -178,6 +178,9 @@ class Recorder(types.ModuleType):
         self.calls.append((name,) + args)
         if name in self.hooks:
             return self.hooks[name](*args)
+        if name == 'removeFiles':
+            for path in args[0]:
+                os.unlink(path)
         return self.answer if name == 'userconfirm' else None
 
     def clear(self):
@@ -204,6 +207,7 @@ _FORMS = {
     'applyGrabMultiMeterEnd': '', 'dsTsCheck': '', 'dsRestartLoop': '', 'userconfirm': '',
     'reportDownloadSize': 'O', 'listTransaction': 'O', 'tsInitCallback': 'l',
     'tsCallback': 'lLLOO', 'tsEvent': 'OlLLll', 'postTransactionOutput': 'O', 'gpgsigcheck': '',
+    'removeFiles': 'O',
 }
 
 yumIOC = sys.modules.setdefault('yumIOC', Recorder())

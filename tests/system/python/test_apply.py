@@ -4,7 +4,6 @@
 import os
 import sys
 import unittest
-import unittest.mock
 
 from applying import ApplyTest, package_files
 from fixture import Rpm, build, make_repository, nevras, yumIOC
@@ -413,26 +412,6 @@ class Around(ApplyTest):
         program = self.begin([], [Rpm('alpha')])
         program.apply('install alpha')
         self.assertEqual(package_files(self), [])
-
-    def test_theNextWorkTellsWhatOfThemCouldNotBeRemoved(self):
-        from steward import cleaning
-        program = self.begin([], [Rpm('alpha'), Rpm('beta')])
-        stuck = os.path.join(self.top, 'stuck')
-        os.mkdir(stuck)
-        cleaning.remove([stuck, os.path.join(self.top, 'never there')])
-        program.apply('install alpha')
-        warnings = [call for call in yumIOC.named('errorlog') if 'cannot be removed' in call[2]]
-        self.assertEqual(len(warnings), 1)
-        self.assertIn(stuck, warnings[0][2])
-
-    def test_theyGoWhereNoThreadCanBeStarted(self):
-        from steward import cleaning
-        program = self.begin([], [Rpm('alpha')])
-        with unittest.mock.patch.object(cleaning._Removal, 'start',
-                                        side_effect=RuntimeError("can't start new thread")):
-            program.apply('install alpha')
-            self.assertEqual(package_files(self), [])
-        self.assertNotIn('new thread', self.log())
 
     def test_keepcacheKeepsThem(self):
         self.config('[main]\nkeepcache=1\n')

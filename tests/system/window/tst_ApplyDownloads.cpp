@@ -214,7 +214,8 @@ private Q_SLOTS:
         QVERIFY(user.begin());
         QVERIFY(user.mark("wordsmith", "Install"));
         QVERIFY(user.applyAndAnswer());
-        COMPARE_LINES(cachedPackages(user), {});
+        // They go while the table is made.
+        QTRY_COMPARE(cachedPackages(user), QStringList());
         QCOMPARE(user.quit(), QString());
     }
 
