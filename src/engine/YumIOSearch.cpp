@@ -35,7 +35,7 @@ std::unique_ptr<SearchTexts> YumIO::collectSearchTextsReal()
         PyGILStateWrapper lock(true);
         for (size_t i = 0; i < packages.size() && kept; ++i) {
             kept = texts->add(packages[i], searchText(*packages[i]));
-            progress->setItemValue(static_cast<Steps>(i + 1));
+            progress->setItemValue(static_cast<Steps>(i) + 1);
         }
     }
     if (texts->finish() && kept)

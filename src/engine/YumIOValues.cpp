@@ -176,7 +176,7 @@ QString YumIO::getBiArch(const QString& arch)
     // A failure has been reported and is kept as well: one report a word, not one a package.
     if (!word)
         PyErr_Clear();
-    const QString text = word ? pyString(word.get()) : QString();
+    QString text = word ? pyString(word.get()) : QString();
     biArchWords.insert(arch, text);
     return text;
 }

@@ -85,9 +85,10 @@ TextWidth::Bounds TextWidth::bounds(const QString& text)
 TextWidth::Step& TextWidth::step(ushort left, ushort right)
 {
     const bool plain = left <= lastPlain && right <= lastPlain;
-    Step& step = plain ? m_plainSteps[static_cast<size_t>(left - firstPlain) * plainCharacters +
-                                      (right - firstPlain)]
-                       : m_otherSteps[static_cast<uint>(left) << 16 | right];
+    Step& step = plain
+                     ? m_plainSteps[static_cast<std::size_t>(left - firstPlain) * plainCharacters +
+                                    (right - firstPlain)]
+                     : m_otherSteps[static_cast<uint>(left) << 16 | right];
     if (step.width < 0)
         measure(step, left, right);
     return step;

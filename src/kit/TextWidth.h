@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <array>
+#include <cstddef>
 
 /// Bounds for the widths of texts in one font, far cheaper than laying the texts out.
 ///
@@ -38,7 +39,7 @@ private:
 
     static constexpr ushort firstPlain = 0x20;
     static constexpr ushort lastPlain = 0x7e;
-    static constexpr int plainCharacters = lastPlain - firstPlain + 1;
+    static constexpr std::size_t plainCharacters = lastPlain - firstPlain + 1;
 
     Step& step(ushort left, ushort right);
     void measure(Step& step, ushort left, ushort right);

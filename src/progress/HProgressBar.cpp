@@ -26,7 +26,7 @@ void HProgressBar::setActivity(const QString& activity)
 
 QString HProgressBar::text() const
 {
-    const QString base = QProgressBar::text();
+    QString base = QProgressBar::text();
     if (activity.isEmpty())
         return base;
     if (base.isEmpty())

@@ -46,7 +46,7 @@ Minion::Minion(HProgressBar* total, HProgressBar* item)
     connect(itemBar, &HProgressBar::toolTip, this, &Minion::itemProgressToolTip);
 }
 
-void Minion::startTotal(QString activity, Steps maximum)
+void Minion::startTotal(const QString& activity, Steps maximum)
 {
     totalBar->setActivity(activity);
     totalBar->setMaximum(barSteps(maximum));
@@ -56,7 +56,7 @@ void Minion::startTotal(QString activity, Steps maximum)
     itemBar->setEnabled(false);
 }
 
-void Minion::startItem(QString activity, Steps total, Steps maximum)
+void Minion::startItem(const QString& activity, Steps total, Steps maximum)
 {
     totalBar->setValue(barSteps(total));
     itemBar->setActivity(activity);
@@ -65,7 +65,7 @@ void Minion::startItem(QString activity, Steps total, Steps maximum)
     itemBar->setEnabled(true);
 }
 
-void Minion::changeItemActivity(QString activity)
+void Minion::changeItemActivity(const QString& activity)
 {
     itemBar->setActivity(activity);
 }

@@ -34,9 +34,9 @@ public:
     static void setupTip(GeneralTip* tip, void* data);
 
 public Q_SLOTS:
-    void startTotal(QString activity, Steps maximum);
-    void startItem(QString activity, Steps total, Steps maximum);
-    void changeItemActivity(QString activity);
+    void startTotal(const QString& activity, Steps maximum);
+    void startItem(const QString& activity, Steps total, Steps maximum);
+    void changeItemActivity(const QString& activity);
     void changeItemActs(Steps total);
     void setItemValue(Steps total, Steps item);
     void endItemActs(Steps total);
