@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
-#include "RecordedBrowser.h"
+#include "RecordedScripts.h"
 #include "RoadUser.h"
 #include "SeenTexts.h"
 
@@ -382,7 +382,7 @@ private Q_SLOTS:
 
     void onlyTheBrowserGetsThem()
     {
-        RecordedBrowser browser;
+        RecordedScripts browser;
         Member user;
         user.expectQuestion(password);
         QVERIFY(user.start());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "Hand.h"
-#include "RecordedBrowser.h"
+#include "RecordedScripts.h"
 #include "RoadUser.h"
 
 #include "kit/Application.h"
@@ -138,7 +138,7 @@ class TestRepositoryRoad : public QObject
 private Q_SLOTS:
     void aRepositoryIsAddedUsedAndRemoved()
     {
-        RecordedBrowser browser;
+        RecordedScripts browser;
         Newcomer user;
         const QMap<QString, QByteArray> before = user.files();
         user.command("--repo-editor");
