@@ -10,7 +10,7 @@ PYTHON=/usr/bin/python3
 DEBIAN_BUILD="g++ cmake ninja-build pkg-config qtbase5-dev qt5-style-plugins? python3-dev python3-dnf python3-rpm"
 DEBIAN_DEMO="rpm createrepo-c gnupg gpg-agent busybox-static dbus fonts-dejavu-core tar util-linux"
 DEBIAN_DISPLAY="xvfb openbox xdotool x11-utils imagemagick"
-DEBIAN_TEST="pyflakes3 appstream desktop-file-utils librsvg2-bin shellcheck zsh strace
+DEBIAN_TEST="pyflakes3 appstream appstream-util desktop-file-utils librsvg2-bin shellcheck zsh strace
     qttools5-dev qttools5-dev-tools qttranslations5-l10n rpm-i18n at-spi2-core
     asciidoctor ruby-asciidoctor-pdf mandoc man-db"
 DEBIAN_FUZZ="clang libclang-rt-dev"
@@ -20,7 +20,7 @@ FEDORA_BUILD="gcc-c++ cmake ninja-build pkgconf-pkg-config qt5-qtbase-devel qt5-
     python3-rpm"
 FEDORA_DEMO="rpm-build rpm-sign createrepo_c gnupg2 busybox dbus-daemon dejavu-sans-fonts tar util-linux"
 FEDORA_DISPLAY="xorg-x11-server-Xvfb openbox xdotool xprop xwininfo ImageMagick"
-FEDORA_TEST="python3-pyflakes appstream desktop-file-utils librsvg2-tools ShellCheck zsh strace
+FEDORA_TEST="python3-pyflakes appstream libappstream-glib desktop-file-utils librsvg2-tools ShellCheck zsh strace
     qt5-qttools-devel qt5-qttranslations at-spi2-core
     rubygem-asciidoctor rubygem-asciidoctor-pdf mandoc man-db"
 FEDORA_FUZZ="clang compiler-rt"

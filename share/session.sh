@@ -25,6 +25,31 @@ complain() {
     fi >/dev/null 2>&1 || :
 }
 
+# named PATH: prints the path behind a space, for messages; nothing if no box has room for it, a terminal would
+# obey it, or it is a URL in disguise, which may hold a password.
+named() {
+    [ "${#1}" -le 300 ] || return 0
+    case $1 in
+        *[[:cntrl:]]* | *@* | //*) ;;
+        *) printf ' %s' "$1" ;;
+    esac
+}
+
+# manual PATH: prints where a file of the manual is if it isn't where the program looks for it: beside the
+# share directory that these scripts lie in, since another prefix has both. Fails for anything else.
+manual() {
+    case $1 in
+        /usr/share/doc/vok-[0-9]*/*) ;;
+        *) return 1 ;;
+    esac
+    case $0 in
+        */*) place=$(CDPATH='' cd -- "${0%/*}" && pwd) || return 1 ;;
+        *) place=$PWD ;;
+    esac
+    place=${place%/*}/doc/${1#/usr/share/doc/}
+    [ ! -e "$1" ] && [ -e "$place" ] && printf '%s\n' "$place"
+}
+
 # is_person UID: whether that is the number of a user other than root.
 is_person() {
     case $1 in

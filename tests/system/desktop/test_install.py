@@ -122,6 +122,23 @@ class Installed(Recorders):
         share = root / "share" / "vok"
         self.assertEqual(self.start(root / "bin" / "vok", (share, "os.environ.get('VOKSHARE', '')")), str(share))
 
+    def test_below_another_prefix_the_help_menu_finds_the_manual(self):
+        version = re.search(r"project\(vok VERSION ([\d.]+)", (SOURCE / "CMakeLists.txt").read_text()).group(1)
+        usual = Path("/usr/share/doc/vok-" + version)
+        if usual.exists():
+            self.skipTest("there is a manual in %s" % usual)
+        root = self.install(self.folder / "opt")
+        manual = root / "share" / "doc" / usual.name
+        for name in ("html/index.html", "manual.pdf"):
+            if not (BUILD / "docs" / "manual.pdf").exists():
+                (manual / name).parent.mkdir(parents=True, exist_ok=True)
+                (manual / name).write_text("as if it had been built")
+        self.command("xdg-open")
+        self.run_script(root / "share/vok/webbrowser", str(usual / "html/index.html"))
+        self.run_script(root / "share/vok/mimeviewer", "application/pdf", str(usual / "manual.pdf"))
+        self.assertEqual(self.called(), [["xdg-open", str(manual / "html/index.html")],
+                                         ["xdg-open", str(manual / "manual.pdf")]])
+
     def test_the_variable_wins_over_the_prefix(self):
         root = self.install(self.folder / "opt")
         share = self.folder / "mine"

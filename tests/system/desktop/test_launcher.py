@@ -62,6 +62,14 @@ class Launcher(Programs):
         self.launch(DISPLAY=":0")
         self.assertIn("XAUTHORITY=%s" % (self.home / ".Xauthority"), self.called()[0])
 
+    def test_without_a_home_there_is_no_cookie_to_find(self):
+        self.command("pkexec")
+        for environment in ({}, {"HOME": ""}):
+            self.forget()
+            done = self.run_script(self.prefix / "vok-launcher", DISPLAY=":0", **environment)
+            self.assertEqual((done.returncode, done.stderr), (0, ""))
+            self.assertEqual(self.called(), [["pkexec", self.root_starts, "DISPLAY=:0", "--"]])
+
     def test_root_starts_the_program_without_asking(self):
         self.command("pkexec")
         self.script("id", "#!/bin/sh\necho 0\n")

@@ -41,6 +41,58 @@ class Asked(Recorders):
         self.assertEqual(self.view("text/plain", "-version").returncode, 0)
         self.assertEqual(self.called(), [["xdg-open", str(self.folder / "-version")]])
 
+    def test_a_relative_page_is_shown_and_what_is_no_file_is_refused(self):
+        (self.folder / "-page $(touch evil).html").write_text("text")
+        self.command("xdg-open")
+        self.assertEqual(self.browse("-page $(touch evil).html").returncode, 0)
+        self.assertEqual(self.called(), [["xdg-open", str(self.folder / "-page $(touch evil).html")]])
+        for target in ("-version", "page.html", "javascript:alert(1)", "data:text/html,x", " http://host/"):
+            done = self.browse(target)
+            self.assertEqual(done.returncode, 1, target)
+            self.assertIn("neither a path nor a URL", done.stderr)
+        self.assertEqual(len(self.called()), 1)
+        self.assert_nothing_was_executed()
+
+    def test_a_missing_file_is_named_unless_that_would_tell_or_do_more(self):
+        self.assertIn("There is no file /not/there.html to show.", self.browse("/not/there.html").stderr)
+        self.assertIn("There is no file /not/there to show.", self.view("text/plain", "/not/there").stderr)
+        for path in ("//anna:geheim@host/geheim", "/not/geheim@there", "/not/\033[2Jgeheim", "/" + 10000 * "geheim/"):
+            for done in (self.browse(path), self.view("text/plain", path)):
+                self.assertEqual(done.returncode, 1)
+                self.assertNotIn("geheim", done.stderr)
+                self.assertIn("There is no file to show.", done.stderr)
+
+    def install_manual(self):
+        """The scripts and the manual below another prefix; returns the folders of both."""
+        share, manual = self.folder / "a prefix/share/vok", self.folder / "a prefix/share/doc/vok-0.0.1"
+        share.mkdir(parents=True)
+        for name in ("webbrowser", "mimeviewer", "session.sh"):
+            shutil.copy(str(SHARE / name), str(share / name))
+        (manual / "html").mkdir(parents=True)
+        (manual / "html/index.html").write_text("text")
+        (manual / "manual.pdf").write_text("text")
+        return share, manual
+
+    def test_the_manual_below_another_prefix_is_found(self):
+        share, manual = self.install_manual()
+        self.command("xdg-open")
+        usual = "/usr/share/doc/vok-0.0.1/"
+        self.run_script(share / "webbrowser", usual + "html/index.html", CDPATH="/")
+        self.run_script(share / "mimeviewer", "application/pdf", usual + "manual.pdf")
+        self.run_script("./webbrowser", usual + "html/index.html", cwd=share, CDPATH="/usr")
+        pages = ["xdg-open", str(manual / "html/index.html")]
+        self.assertEqual(self.called(), [pages, ["xdg-open", str(manual / "manual.pdf")], pages])
+
+    def test_only_the_manual_is_looked_for_elsewhere(self):
+        share, manual = self.install_manual()
+        self.command("xdg-open")
+        (manual.parent / "other").mkdir()
+        (manual.parent / "other/README").write_text("text")
+        for path in ("/usr/share/doc/other/README", "/usr/share/doc/vok-0.0.2/html/index.html"):
+            done = self.run_script(share / "webbrowser", path)
+            self.assertEqual((done.returncode, self.called()), (1, []))
+            self.assertIn("There is no file %s to show." % path, done.stderr)
+
     def test_a_type_with_a_dash_is_refused(self):
         self.command("run-mailcap")
         (self.folder / "a").write_text("text")

@@ -37,7 +37,11 @@ class Validators(unittest.TestCase):
 
     @wants("appstreamcli")
     def test_the_metainfo_is_valid(self):
-        self.run_silently("appstreamcli", "validate", "--no-net", METAINFO)
+        self.run_silently("appstreamcli", "validate", "--pedantic", "--no-net", METAINFO)
+
+    @wants("appstream-util")
+    def test_the_metainfo_is_valid_for_those_who_build_packages(self):
+        self.run_silently("appstream-util", "validate-relax", "--nonet", METAINFO)
 
     @wants("shellcheck")
     def test_scripts_pass_shellcheck(self):
@@ -82,6 +86,21 @@ class Agreement(unittest.TestCase):
         self.assertEqual(self.entry["Desktop Entry"]["Icon"], ID)
         self.assertEqual(ElementTree.parse(str(POLICY)).findtext("icon_name"), ID)
         self.assertTrue((SHARE / "icons/hicolor/scalable/apps" / (ID + ".svg")).exists())
+
+    def test_desktops_are_told_all_of_it_in_the_languages_of_the_program(self):
+        languages = [path.stem.partition("_")[2] for path in (SOURCE / "translations").glob("vok_*.ts")]
+        self.assertIn("de", languages)
+        kind = "{http://www.w3.org/XML/1998/namespace}lang"
+        for language in languages:
+            for name in self.entry.sections():
+                for key in ("GenericName", "Comment", "Keywords") if name == "Desktop Entry" else ("Name",):
+                    self.assertTrue(self.entry[name].get("%s[%s]" % (key, language)), (name, key, language))
+            for root, tags in ((self.metainfo, ("summary", "developer_name", "p", "li")),
+                               (ElementTree.parse(str(POLICY)).getroot(), ("description", "message"))):
+                for tag in tags:
+                    found = [element.get(kind) for element in root.iter(tag)]
+                    self.assertGreater(found.count(None), 0, tag)
+                    self.assertEqual(found.count(language), found.count(None), (tag, language))
 
     def test_each_entry_of_the_menu_starts_the_launcher_with_options_of_vok(self):
         options = set(re.findall(r'^ +\{"([\w-]+)", \w+_argument',
