@@ -116,6 +116,18 @@ class Manual(unittest.TestCase):
         self.assertGreater(len(parts), 10)
         self.assert_mentioned(parts)
 
+    def test_no_example_of_a_search_is_tied_to_a_whole_list(self):
+        source = (texts.TREE / "docs/manual/filter.adoc").read_text(encoding="utf-8")
+        examples = re.findall(r"^\|`\+?(.+?)\+?` \|Search \|", source, re.MULTILINE)
+        self.assertGreater(len(examples), 3)
+        self.assertEqual([one for one in examples if re.search(r"^\^|[^|]\$$", one)], [])
+
+    def test_patterns_of_files_keep_their_stars(self):
+        patterns = ("/etc/yum.repos.d/*.repo", "/etc/yum/repos.d/*.repo")
+        self.assert_mentioned(patterns)
+        page = (BUILT / "vok.1").read_text(encoding="utf-8")
+        self.assertEqual([pattern for pattern in patterns if pattern not in page], [])
+
     def test_it_tells_nothing_of_the_place_and_time_of_its_making(self):
         now = time.gmtime()
         for name in ("html/index.html", "manual.pdf", "vok.1"):

@@ -78,7 +78,8 @@ def shell_messages() -> Set[str]:
     texts: Set[str] = set()
     for name in ("packaging/programs/vok-launcher.in", "share/session.sh", "share/webbrowser", "share/mimeviewer"):
         source = (TREE / name).read_text(encoding="utf-8").replace("\\\n", "")
-        for text in re.findall(r'^[^#\n]*(?:refuse|complain) "((?:[^"\\]|\\.)*)"', source, re.MULTILINE):
+        for text in re.findall(r'^[^#\n]*(?:refuse|complain) "((?:\$\([^)]*\)|[^"\\]|\\.)*)"', source, re.MULTILINE):
+            text = re.sub(r"\$\(named [^)]*\)", " %s", text)
             texts.add(re.sub(r"\$\{[^}]*\}|\$\w+", "%s", text.replace('\\"', '"')))
     return texts
 
