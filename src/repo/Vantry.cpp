@@ -161,7 +161,9 @@ QString Repo::Vantry::replaceAuth(QString url, const QString& name, const QStrin
     QString oldName;
     QString passwordKey;
     QString oldPassword;
-    getAuth(url, nameKey, oldName, passwordKey, oldPassword);
+    // A broken form hides the keys of one behind it, which would be lost.
+    if (!getAuth(url, nameKey, oldName, passwordKey, oldPassword))
+        return url;
     return replaceAuth(std::move(url), nameKey, name, passwordKey, password);
 }
 
@@ -171,7 +173,8 @@ QString Repo::Vantry::replaceAuth(QString url, const QString& password)
     QString name;
     QString passwordKey;
     QString oldPassword;
-    getAuth(url, nameKey, name, passwordKey, oldPassword);
+    if (!getAuth(url, nameKey, name, passwordKey, oldPassword))
+        return url;
     return replaceAuth(std::move(url), nameKey, name, passwordKey, password);
 }
 

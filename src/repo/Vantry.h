@@ -26,7 +26,7 @@ bool getAuth(const Entry& entry, QString& nameKey, QString& name, QString& passw
 /// `url` with all four in each such form of it. A URL of neither form comes back as it is.
 QString replaceAuth(QString url, const QString& nameKey, const QString& name,
                     const QString& passwordKey, const QString& password);
-/// The same with the keys that are there.
+/// The same with the keys that are there. Where getAuth() finds none, nothing is replaced.
 QString replaceAuth(QString url, const QString& name, const QString& password);
 /// The same with the keys and the name that are there.
 QString replaceAuth(QString url, const QString& password);

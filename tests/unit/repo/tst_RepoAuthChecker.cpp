@@ -263,6 +263,26 @@ private Q_SLOTS:
                                 section("b", "http://two/rhel/user=me/word=p%2fw/os"));
     }
 
+    void anAnswerServesTheMirrorListOfALaterRepositoryToo_data()
+    {
+        QTest::addColumn<QByteArray>("button");
+        QTest::newRow("all") << QByteArray("Apply to All");
+        QTest::newRow("host") << QByteArray("Apply to All with this Host");
+    }
+    void anAnswerServesTheMirrorListOfALaterRepositoryToo()
+    {
+        QFETCH(QByteArray, button);
+        const auto both = [](const char* name, const char* password) {
+            return section("b", url("one", name, password) +
+                                    "\nmirrorlist=" + url("two", name, password));
+        };
+        write(section("a", url("one")) + both("", ""));
+        user->answer(button, "me", "pass");
+        check();
+        QCOMPARE(user->asked, QStringList{"a"});
+        QCOMPARE(content(), section("a", url("one", "me", "pass")) + both("me", "pass"));
+    }
+
     void anEmptyAnswerForAllChangesNothing_data()
     {
         QTest::addColumn<QByteArray>("button");

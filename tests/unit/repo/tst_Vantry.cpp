@@ -54,6 +54,8 @@ private Q_SLOTS:
     void replacesThePasswordAndKeepsTheName();
     void leavesOtherUrlsAsTheyAre_data();
     void leavesOtherUrlsAsTheyAre();
+    void keysBehindABrokenFormAreNotLost_data();
+    void keysBehindABrokenFormAreNotLost();
     void replacesInEachUrl();
     void encodesExactlyWhatWouldBreakTheUrl();
     void whatIsWrittenIsFoundAgain_data();
@@ -193,6 +195,22 @@ void TestVantry::leavesOtherUrlsAsTheyAre()
     QFETCH(QString, url);
     const QString word = QStringLiteral("z");
     QCOMPARE(Repo::Vantry::replaceAuth(url, word, word, word, word), url);
+    QCOMPARE(Repo::Vantry::replaceAuth(url, word, word), url);
+    QCOMPARE(Repo::Vantry::replaceAuth(url, word), url);
+}
+
+void TestVantry::keysBehindABrokenFormAreNotLost_data()
+{
+    QTest::addColumn<QString>("url");
+    QTest::newRow("in one URL") << "http://h/vantry?user=a/rhel/user=a/pass=b/x";
+    QTest::newRow("in the next URL") << "http://h/vantry?\nhttp://g/rhel/user=a/pass=b/x";
+}
+
+void TestVantry::keysBehindABrokenFormAreNotLost()
+{
+    QFETCH(QString, url);
+    QCOMPARE(found(url), QStringLiteral("none"));
+    const QString word = QStringLiteral("z");
     QCOMPARE(Repo::Vantry::replaceAuth(url, word, word), url);
     QCOMPARE(Repo::Vantry::replaceAuth(url, word), url);
 }
