@@ -9,7 +9,9 @@ from pathlib import Path
 import tree
 
 OURS = "GPL-2.0-or-later"
-TAG = re.compile(r"SPDX-License-Identifier: ([A-Za-z0-9.+-]+)")
+# Not in one piece: whoever collects licences would take what follows for the name of one.
+NAME = "SPDX-License-" + "Identifier"
+TAG = re.compile(NAME + r": ([A-Za-z0-9.+-]+)")
 #: May be under another licence: what describes the program to catalogues is copied into theirs.
 FREER = {"*.metainfo.xml": {"CC0-1.0", "FSFAP"}}
 
@@ -18,7 +20,7 @@ def spoken_for():
     """The patterns of REUSE.toml with a licence."""
     patterns = []
     for block in tree.read("REUSE.toml").split("[[annotations]]")[1:]:
-        licence = re.search(r'^SPDX-License-Identifier = "(.*)"$', block, re.MULTILINE)
+        licence = re.search(NAME + ' = "(.*)"', block)
         if licence:
             path = re.search(r"^path = (\[.*?\]|.*?$)", block, re.MULTILINE | re.DOTALL).group(1)
             patterns += [(pattern, licence.group(1)) for pattern in re.findall(r'"(.*?)"', path)]
@@ -77,6 +79,12 @@ class Licences(unittest.TestCase):
                     allowed |= freer
             with self.subTest(path=str(path)):
                 self.assertIn(licence, allowed)
+
+    def test_no_file_confuses_those_who_collect_licences(self):
+        for path in self.files:
+            text = (tree.TOP / path).read_bytes().decode("utf-8", "replace")
+            for line in re.findall("^.*%s:.*$" % NAME, text, re.MULTILINE):
+                self.assertRegex(line, r"%s: [A-Za-z0-9.+-]+( -->|\r)?$" % NAME, str(path))
 
     def test_the_texts_of_the_licences_are_those_in_use(self):
         texts = {path.stem for path in (tree.TOP / "LICENSES").iterdir()}

@@ -43,7 +43,7 @@ class Source(unittest.TestCase):
             with open(path, encoding='utf-8') as stream:
                 text = stream.read()
             with self.subTest(path=path):
-                self.assertTrue(text.startswith('# SPDX-License-Identifier: GPL-2.0-or-later\n'))
+                self.assertTrue(text.startswith('# SPDX-License-' 'Identifier: GPL-2.0-or-later\n'))
                 self.assertTrue(ast.get_docstring(ast.parse(text)))
                 self.assertNotIn('except' + ':', text)
                 self.assertLess(text.count('\n'), 600)
