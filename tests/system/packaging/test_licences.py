@@ -84,7 +84,7 @@ class Licences(unittest.TestCase):
         for path in self.files:
             text = (tree.TOP / path).read_bytes().decode("utf-8", "replace")
             for line in re.findall("^.*%s:.*$" % NAME, text, re.MULTILINE):
-                self.assertRegex(line, r"%s: [A-Za-z0-9.+-]+( -->|\r)?$" % NAME, str(path))
+                self.assertRegex(line, r"%s: [A-Za-z0-9.+-]+( -->| \*/|\r)?$" % NAME, str(path))
 
     def test_the_texts_of_the_licences_are_those_in_use(self):
         texts = {path.stem for path in (tree.TOP / "LICENSES").iterdir()}
