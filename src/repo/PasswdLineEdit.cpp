@@ -99,9 +99,17 @@ void PasswdLineEdit::textChanged(const QString& text)
 QString PasswdLineEdit::masked(const QString& text) const
 {
     QString result = text;
-    const QRegularExpressionMatch match = regExp.match(text);
-    if (match.hasMatch())
+    // What matches may be the last of several passwords only.
+    int end = text.size();
+    while (end > 0) {
+        const QRegularExpressionMatch match = regExp.match(text.left(end));
         PasswdInput::mask(result, match, this);
+        int start = 0;
+        for (int i = match.lastCapturedIndex(); i > 0; --i)
+            if (match.capturedStart(i) >= 0)
+                start = match.capturedStart(i);
+        end = start < end ? start : 0;
+    }
     return result;
 }
 

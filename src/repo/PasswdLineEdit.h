@@ -13,8 +13,9 @@ class PasswdLineEdit : public QLineEdit
     Q_OBJECT
 
 public:
-    /// Masked is what `regExp` captures where it matches the whole of the text. The twin gets the
-    /// same parent, above this widget if there is one, so give the field its parent by a layout.
+    /// Masked is what `regExp` captures where it matches the whole of the text, and then the whole
+    /// of what is before that. The twin gets the same parent, above this widget if there is one, so
+    /// give the field its parent by a layout.
     PasswdLineEdit(const QRegularExpression& regExp, QWidget* parent);
     ~PasswdLineEdit() override;
 

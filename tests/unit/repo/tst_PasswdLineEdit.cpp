@@ -14,6 +14,8 @@ private:
 
 private Q_SLOTS:
     void masksThePasswordOfTheQueryForm();
+    void masksThePasswordOfEachForm_data();
+    void masksThePasswordOfEachForm();
     void masksOnlyWhereTheWholeTextMatches();
     void tellsTheRealTextOnce();
     void neverTellsWhatIsTypedIntoThePassword();
@@ -24,6 +26,23 @@ void TestPasswdLineEdit::masksThePasswordOfTheQueryForm()
 {
     field->setReal(QStringLiteral("http://host/vantry?a=b&c=secret&path=/x"));
     QCOMPARE(field->shown(), QStringLiteral("http://host/vantry?a=b&c=%1&path=/x").arg(mask(6)));
+}
+
+void TestPasswdLineEdit::masksThePasswordOfEachForm_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::newRow("in one URL") << "http://h/rhel/a=b/c=%1/rhel/d=e/f=%2/vantry?g=h&i=%3&path=/x";
+    QTest::newRow("in several URLs") << "http://h/vantry?a=b&c=%1&path=/x http://h/rhel/d=e/f=%2/x "
+                                        "http://h/vantry?g=h&i=%3&path=/x http://h/x";
+}
+
+void TestPasswdLineEdit::masksThePasswordOfEachForm()
+{
+    QFETCH(QString, text);
+    field->setReal(text.arg("one", "first", ""));
+    QCOMPARE(field->shown(), text.arg(mask(3), mask(5), ""));
+    field->setReal(text.arg("one", "first", "secret"));
+    QCOMPARE(field->shown(), text.arg(mask(3), mask(5), mask(6)));
 }
 
 void TestPasswdLineEdit::masksOnlyWhereTheWholeTextMatches()
