@@ -253,8 +253,9 @@ private Q_SLOTS:
 
     void staysOnTheScreenBetweenQuestions()
     {
-        user->answer("OK", "me", "pass");
+        user->answer("Apply to All", "me", "pass");
         ask();
+        QCOMPARE(dialog->focusWidget(), RepoAuthUser::button(*dialog, "Apply to All"));
         QVERIFY(dialog->isVisible());
         QCOMPARE(enabledButtons(*dialog),
                  (QStringList{"Apply to All", "Apply to All with this Host"}));

@@ -10,6 +10,8 @@ private Q_SLOTS:
     void isDisabledAndEmptyBeforeItsFirstEntry();
     void showsAnEntryAndGivesItBack();
     void ordersItsFields();
+    void labelsWhatIsInItsGroups();
+    void hasRoomForThreeLinesOfOtherOptions();
     void explainsEachField();
     void marksTheIdentifierAsRequired();
     void showsNothingButItsFields();
@@ -75,6 +77,7 @@ void TestRepoEditorConfig::showsAnEntryAndGivesItBack()
     QCOMPARE(position()->value(), 2.5);
     QCOMPARE(position()->singleStep(), 1.0);
     QCOMPARE(position()->decimals(), 1);
+    QCOMPARE(position()->minimum(), 0.0);
     for (const QWidget* widget : fields())
         QCOMPARE(widget->isEnabled(), widget != authName() && widget != authPassword());
 
@@ -126,6 +129,26 @@ void TestRepoEditorConfig::ordersItsFields()
     }
     const QFontInfo font(other()->font());
     QVERIFY(font.fixedPitch() && font.bold());
+}
+
+void TestRepoEditorConfig::labelsWhatIsInItsGroups()
+{
+    QStringList labels;
+    for (const QGroupBox* box : dialog->findChildren<QGroupBox*>())
+        for (const QLabel* label : box->findChildren<QLabel*>())
+            labels.append(label->text());
+    labels.sort();
+    QCOMPARE(labels, QStringList({"Check GPG Keys", "Enabled", "File", "Name",
+                                  "Other Options:", "Password", "Sort Position"}));
+}
+
+void TestRepoEditorConfig::hasRoomForThreeLinesOfOtherOptions()
+{
+    const QFontMetrics metrics(other()->font());
+    const int frame = 2 * other()->frameWidth();
+    const QSize wanted(frame + 80 * metrics.horizontalAdvance('n'),
+                       frame + 3 * metrics.lineSpacing());
+    QCOMPARE(other()->sizeHint(), wanted.boundedTo(ScreenLimit::of(other())));
 }
 
 void TestRepoEditorConfig::explainsEachField()
