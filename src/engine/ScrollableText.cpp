@@ -39,5 +39,5 @@ void ScrollableText::fit(QWidget* dialog)
 {
     // Left to itself, the first size of a window stops at two thirds of the screen.
     dialog->ensurePolished();
-    dialog->resize(dialog->sizeHint().boundedTo(ScreenLimit::of(dialog)));
+    dialog->resize(ScreenLimit::windowSize(dialog));
 }

@@ -169,7 +169,7 @@ void HTableView::resizeColumnsToContents()
         widget->updateGeometry();
 
     QWidget* top = window();
-    top->resize(top->sizeHint().boundedTo(ScreenLimit::of(this)).expandedTo(top->size()));
+    top->resize(ScreenLimit::windowSize(top).expandedTo(top->size()));
 }
 
 QModelIndexList HTableView::selectedRows() const

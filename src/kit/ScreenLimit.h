@@ -12,4 +12,7 @@ namespace ScreenLimit
 /// width and of the height of the screen that the widget is on.
 QSize of(const QWidget* widget);
 
+/// The size that suits a window: its hint, within the limit.
+QSize windowSize(const QWidget* window);
+
 } // namespace ScreenLimit

@@ -155,7 +155,7 @@ void RepoAuth::Dialog::setVisible(bool visible)
         // By itself a window gets no more than two thirds of the screen, which on a small one cuts
         // the URLs off.
         if (!testAttribute(Qt::WA_Resized))
-            resize(sizeHint().boundedTo(ScreenLimit::of(this)));
+            resize(ScreenLimit::windowSize(this));
     } else {
         QApplication::setOverrideCursor(Qt::BusyCursor);
     }

@@ -65,7 +65,7 @@ void RepoEditor::ConfigDialog::setVisible(bool visible)
         // By itself a dialog is content with two thirds of the screen, too little for the form on
         // a small one.
         if (!testAttribute(Qt::WA_Resized))
-            resize(sizeHint().boundedTo(ScreenLimit::of(this)));
+            resize(ScreenLimit::windowSize(this));
     }
     QDialog::setVisible(visible);
 }

@@ -74,7 +74,7 @@ void Dialog::config(YumIO* yumIO, const Package::Entry& entry, YumConfIO* conf)
     // By itself a window gets no more than two thirds of the screen, which leaves next to nothing
     // to the short sections.
     layout()->activate();
-    resize(sizeHint().boundedTo(ScreenLimit::of(this)));
+    resize(ScreenLimit::windowSize(this));
 }
 
 bool Dialog::haveRoom() const
