@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #pragma once
 
+#include <QColor>
 #include <QPalette>
 #include <QString>
 
@@ -19,6 +20,10 @@ QString requiredBg();    ///< background of a required field
 QString errorBg();       ///< background of an error label
 QString warningBg();     ///< background of a warning label
 QString okBg();          ///< background of a good-news label
+
+/// A text colour as it is to be drawn on a background: itself on a light one, for which all of
+/// these are made, and on a dark one so much lighter that it can be read.
+QColor readable(const QColor& color, const QColor& background);
 
 /// The palette of a field that must be filled in. A disabled field keeps its usual look.
 QPalette makeRequired(const QPalette& palette);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-2.0-or-later
 #include "kit/HItemDelegate.h"
 
+#include "kit/Colors.h"
+
 #include <limits>
 
 namespace
@@ -21,6 +23,15 @@ void HItemDelegate::drawDisplay(QPainter* painter, const QStyleOptionViewItem& o
 {
     QStyleOptionViewItem unwrapped(option);
     unwrapped.features &= ~QStyleOptionViewItem::WrapText;
+    // A disabled text is meant to fade.
+    if (option.state & QStyle::State_Enabled) {
+        const auto group =
+            option.state & QStyle::State_Active ? QPalette::Normal : QPalette::Inactive;
+        const QColor text = option.palette.color(group, QPalette::Text);
+        const QColor shown = Colors::readable(text, option.palette.color(group, QPalette::Base));
+        if (shown != text)
+            unwrapped.palette.setColor(group, QPalette::Text, shown);
+    }
     QItemDelegate::drawDisplay(painter, unwrapped, rect, text);
 }
 

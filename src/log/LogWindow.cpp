@@ -24,30 +24,34 @@ constexpr int defaultLevel = 2;
 // Lines of this level and beyond are of interest to developers only.
 constexpr unsigned int minorLevel = 10;
 
-QString colored(const QString& color, const QString& text)
+QString colored(const QString& name, const QColor& background, const QString& text)
 {
+    const QColor given(name);
+    const QColor shown = Colors::readable(given, background);
+    const QString color = shown == given ? name : shown.name();
     return QStringLiteral("<font color=\"%1\">").arg(color) + text + QLatin1String("</font>");
 }
 
-QString markup(const Log::Entry& entry)
+QString markup(const Log::Entry& entry, const QColor& background)
 {
     QString text = entry.text;
     Log::Window::htmlProtect(text);
     switch (entry.kind) {
     case Log::Plain:
         if (entry.level >= minorLevel)
-            return colored(Colors::minor(), text);
+            return colored(Colors::minor(), background, text);
         return QLatin1String("<font>") + text + QLatin1String("</font>");
     case Log::Output:
-        return colored(Colors::ok(), text);
+        return colored(Colors::ok(), background, text);
     case Log::Warning:
-        return colored(Colors::warning(), text);
+        return colored(Colors::warning(), background, text);
     case Log::Action:
-        return QLatin1String("<h2>") + colored(Colors::action(), text) + QLatin1String("</h2>");
+        return QLatin1String("<h2>") + colored(Colors::action(), background, text) +
+               QLatin1String("</h2>");
     case Log::Error:
         break;
     }
-    return colored(Colors::error(), text);
+    return colored(Colors::error(), background, text);
 }
 
 } // namespace
@@ -213,13 +217,14 @@ void Log::Window::render()
     const unsigned int level = static_cast<unsigned int>(m_level->value());
     const bool atEnd =
         m_text->verticalScrollBar()->value() >= m_text->verticalScrollBar()->maximum();
+    const QColor background = m_text->palette().color(QPalette::Base);
     // One edit block for all: the text is laid out once and not line by line.
     QTextCursor cursor(m_text->document());
     cursor.beginEditBlock();
     for (const Entry& entry : qAsConst(added)) {
         if (entry.level > level)
             continue;
-        m_text->appendCompact(markup(entry));
+        m_text->appendCompact(markup(entry, background));
         explainColor(entry.kind);
     }
     cursor.endEditBlock();

@@ -47,6 +47,44 @@ private Q_SLOTS:
         QCOMPARE(after.color(QPalette::Window), before.color(QPalette::Window));
     }
 
+    /// A dark theme writes in light letters, which a light field would swallow.
+    void requiredFieldsAreReadableInADarkTheme()
+    {
+        QPalette dark(QColor(49, 54, 59));
+        dark.setColor(QPalette::Base, QColor(35, 38, 41));
+        dark.setColor(QPalette::Text, QColor(239, 240, 241));
+        const QPalette after = Colors::makeRequired(dark);
+        QCOMPARE(after.color(QPalette::Active, QPalette::Text), QColor(Qt::black));
+        QCOMPARE(after.color(QPalette::Inactive, QPalette::Text), QColor(Qt::black));
+        QCOMPARE(after.color(QPalette::Disabled, QPalette::Text),
+                 dark.color(QPalette::Disabled, QPalette::Text));
+
+        QPalette blue(Qt::lightGray);
+        blue.setColor(QPalette::Text, Qt::darkBlue);
+        QCOMPARE(Colors::makeRequired(blue).color(QPalette::Text), QColor(Qt::darkBlue));
+    }
+
+    void textIsLightenedOnDarkBackgroundsOnly_data()
+    {
+        QTest::addColumn<QString>("name");
+        for (const QString& name :
+             {Colors::action(), Colors::error(), Colors::warning(), Colors::minor(), Colors::ok()})
+            QTest::newRow(qPrintable(name)) << name;
+    }
+
+    void textIsLightenedOnDarkBackgroundsOnly()
+    {
+        QFETCH(QString, name);
+        const QColor color(name);
+        QCOMPARE(Colors::readable(color, Qt::white), color);
+        QCOMPARE(Colors::readable(color, QColor("#e7e7e7")), color);
+        const QColor dark(35, 38, 41);
+        const QColor shown = Colors::readable(color, dark);
+        QVERIFY2(qGray(shown.rgb()) >= qGray(dark.rgb()) + 45, qPrintable(shown.name()));
+        QVERIFY2(qAbs(shown.hslHue() - color.hslHue()) <= 3, "still the same colour");
+        QCOMPARE(Colors::readable(shown, dark), shown);
+    }
+
     void labelsHaveABackgroundInAllGroupsAndBlackText()
     {
         const QPalette before(Qt::gray);

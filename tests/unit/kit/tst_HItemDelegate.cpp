@@ -44,6 +44,47 @@ private Q_SLOTS:
         QCOMPARE(draw(true, ours), draw(false, theirs));
         QCOMPARE(draw(false, ours), draw(false, theirs));
     }
+
+    /// The colours of rows are made for light backgrounds.
+    void lightensTextOnDarkBackgrounds_data()
+    {
+        QTest::addColumn<QColor>("background");
+        QTest::addColumn<bool>("enabled");
+        QTest::addColumn<bool>("asGiven");
+        QTest::newRow("light") << QColor(Qt::white) << true << true;
+        QTest::newRow("dark") << QColor(35, 38, 41) << true << false;
+        QTest::newRow("dark, disabled") << QColor(35, 38, 41) << false << true;
+    }
+
+    void lightensTextOnDarkBackgrounds()
+    {
+        QFETCH(QColor, background);
+        QFETCH(bool, enabled);
+        const QColor brown("#8b5a2b");
+        QImage image(200, 60, QImage::Format_RGB32);
+        image.fill(background);
+        QStyleOptionViewItem option;
+        option.rect = image.rect();
+        option.state.setFlag(QStyle::State_Enabled, enabled);
+        option.font.setPixelSize(40);
+        option.font.setBold(true);
+        option.palette.setColor(QPalette::Base, background);
+        option.palette.setColor(QPalette::Text, brown);
+        QPainter painter(&image);
+        HItemDelegate(nullptr).drawDisplay(&painter, option, image.rect(), QString("HHH"));
+        painter.end();
+
+        int given = 0;
+        int drawn = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                given += image.pixelColor(x, y) == brown ? 1 : 0;
+                drawn += image.pixelColor(x, y) != background ? 1 : 0;
+            }
+        }
+        QVERIFY(drawn > 0);
+        QTEST(given > 0, "asGiven");
+    }
 };
 
 QTEST_MAIN(TestHItemDelegate)

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void kindsAreToldInWordsToo();
     void kindsHaveTheirColors_data();
     void kindsHaveTheirColors();
+    void colorsAreLightenedOnADarkBackground();
     void anActionIsAHeadingWithoutMargins();
     void bracketsAndBlanksShowAsTheyAre();
     void anEntityShowsItsCharacter();
@@ -187,6 +188,19 @@ void TestLogWindow::kindsHaveTheirColors()
     write(Log::Plain, 0, "next");
     QVERIFY(!lastLine().begin().fragment().charFormat().hasProperty(QTextFormat::ForegroundBrush));
     QCOMPARE(text(), QString("line\nnext"));
+}
+
+void TestLogWindow::colorsAreLightenedOnADarkBackground()
+{
+    const QColor dark(35, 38, 41);
+    QPalette palette = m_window->palette();
+    palette.setColor(QPalette::Base, dark);
+    m_window->setPalette(palette);
+    m_window->show();
+    write(Log::Action, 0, "heading");
+    const QColor shown = lastLine().begin().fragment().charFormat().foreground().color();
+    QCOMPARE(shown, QColor(Colors::readable(Qt::blue, dark).name()));
+    QVERIFY(shown.lightness() > QColor(Qt::blue).lightness());
 }
 
 void TestLogWindow::kindsAreToldInWordsToo()
