@@ -184,7 +184,7 @@ Dies entspricht yums Option debuglevel (-d).</translation>
     </message>
     <message>
         <source>&lt;h3&gt;VOK %1&lt;/h3&gt;&lt;hr&gt;&lt;p&gt;VOK, Package Steward, is a graphical user interface which allows a user to make modifications to the installed rpm packages on a system.&lt;/p&gt;&lt;p&gt;Capabilities:&lt;p&gt;&lt;ul&gt;&lt;li&gt;Install new packages or update existing packages by downloading them from a yum package repository&lt;/li&gt;&lt;li&gt;Remove existing packages.&lt;/li&gt;&lt;li&gt;Configure sets of repositories from which to obtain new and updated packages.&lt;/li&gt;&lt;li&gt;Examine installed packages or packages available for installation or update&lt;/li&gt;&lt;li&gt;Install, update, or remove groups of packages&lt;/li&gt;&lt;li&gt;Install or update suites of packages&lt;/li&gt;&lt;/ul&gt;&lt;p&gt;For more information see https://vok.example/.&lt;/p&gt;</source>
-        <translation>&lt;h3&gt;VOK %1&lt;/h3&gt;&lt;hr&gt;&lt;p&gt;VOK, Package Steward, ist eine grafische Oberfläche, mit der sich die auf einem System installierten rpm-Pakete verändern lassen.&lt;/p&gt;&lt;p&gt;Fähigkeiten:&lt;p&gt;&lt;ul&gt;&lt;li&gt;Neue Pakete installieren oder vorhandene aktualisieren, indem sie aus einer yum-Paketquelle heruntergeladen werden&lt;/li&gt;&lt;li&gt;Vorhandene Pakete entfernen&lt;/li&gt;&lt;li&gt;Die Paketquellen einrichten, aus denen neue und aktualisierte Pakete bezogen werden&lt;/li&gt;&lt;li&gt;Installierte Pakete und solche untersuchen, die sich installieren oder aktualisieren lassen&lt;/li&gt;&lt;li&gt;Paketgruppen installieren, aktualisieren oder entfernen&lt;/li&gt;&lt;li&gt;Paketsammlungen installieren oder aktualisieren&lt;/li&gt;&lt;/ul&gt;&lt;p&gt;Weitere Informationen finden sich unter https://vok.example/.&lt;/p&gt;</translation>
+        <translation>&lt;h3&gt;VOK %1&lt;/h3&gt;&lt;hr&gt;&lt;p&gt;VOK, Package Steward, ist eine grafische Oberfläche, mit der sich die auf einem System installierten rpm-Pakete verändern lassen.&lt;/p&gt;&lt;p&gt;Fähigkeiten:&lt;p&gt;&lt;ul&gt;&lt;li&gt;Neue Pakete installieren oder vorhandene aktualisieren, indem sie aus einer yum-Paketquelle heruntergeladen werden&lt;/li&gt;&lt;li&gt;Vorhandene Pakete entfernen&lt;/li&gt;&lt;li&gt;Die Paketquellen einrichten, aus denen neue und aktualisierte Pakete bezogen werden&lt;/li&gt;&lt;li&gt;Installierte Pakete und solche untersuchen, die sich installieren oder aktualisieren lassen&lt;/li&gt;&lt;li&gt;Paketgruppen installieren, aktualisieren oder entfernen&lt;/li&gt;&lt;li&gt;Paketsammlungen installieren oder aktualisieren&lt;/li&gt;&lt;/ul&gt;&lt;p&gt;Mehr dazu unter https://vok.example/.&lt;/p&gt;</translation>
     </message>
     <message>
         <source>&amp;Program</source>
@@ -1490,7 +1490,8 @@ Für eine einzelne Sitzung lässt sich davon abweichen.</translation>
 so the package would be marked for %4,
 but it was marked individually for %5.
 How do you wish to proceed?</source>
-        <translation>Das Paket %1 gehört zur Gruppe %2, die zur %3 vorgemerkt wurde,
+        <translation>Das Paket %1 gehört zur Gruppe %2,
+die zur %3 vorgemerkt wurde,
 also würde das Paket zur %4 vorgemerkt,
 es wurde aber einzeln zur %5 vorgemerkt.
 Wie möchten Sie fortfahren?</translation>
@@ -1500,7 +1501,8 @@ Wie möchten Sie fortfahren?</translation>
 so the package would be marked for %4,
 but it also was part of group %5 and so was marked for %6.
 How do you wish to proceed?</source>
-        <translation>Das Paket %1 gehört zur Gruppe %2, die zur %3 vorgemerkt wurde,
+        <translation>Das Paket %1 gehört zur Gruppe %2,
+die zur %3 vorgemerkt wurde,
 also würde das Paket zur %4 vorgemerkt,
 es gehört aber auch zur Gruppe %5 und wurde darum zur %6 vorgemerkt.
 Wie möchten Sie fortfahren?</translation>
@@ -1510,7 +1512,8 @@ Wie möchten Sie fortfahren?</translation>
 so the package would be marked for %4,
 but you resolved an earlier conflict by marking it for %5.
 How do you wish to proceed?</source>
-        <translation>Das Paket %1 gehört zur Gruppe %2, die zur %3 vorgemerkt wurde,
+        <translation>Das Paket %1 gehört zur Gruppe %2,
+die zur %3 vorgemerkt wurde,
 also würde das Paket zur %4 vorgemerkt,
 aber Sie haben einen früheren Konflikt gelöst, indem Sie es zur %5 vorgemerkt haben.
 Wie möchten Sie fortfahren?</translation>
