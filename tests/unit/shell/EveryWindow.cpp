@@ -102,7 +102,7 @@ void EveryWindow::press(QWidget* window, const QString& button, int which)
     QTest::qFail(qPrintable("no button " + button), __FILE__, __LINE__);
 }
 
-void EveryWindow::visitMenu(const QModelIndex& cell, const QString& name)
+void EveryWindow::visitMenu(QTableView* table, const QModelIndex& cell, const QString& name)
 {
     QTimer look;
     QObject::connect(&look, &QTimer::timeout, [&] {
@@ -115,9 +115,8 @@ void EveryWindow::visitMenu(const QModelIndex& cell, const QString& name)
             menu->close();
     });
     look.start(5);
-    life.table()->scrollTo(cell);
-    const QPoint position = life.table()->visualRect(cell).center();
-    Q_EMIT life.table()->customContextMenuRequested(position);
+    table->scrollTo(cell);
+    Q_EMIT table->customContextMenuRequested(table->visualRect(cell).center());
 }
 
 bool EveryWindow::walk()
@@ -166,9 +165,9 @@ void EveryWindow::description()
     meet("PackageTable::Describe::Dialog", "VOK Package Description",
          QStringLiteral("group description"));
     life.click("describe");
-    visitMenu(life.cell(QStringLiteral("alpha"), PackageTable::ColumnAction),
+    visitMenu(life.table(), life.cell(QStringLiteral("alpha"), PackageTable::ColumnAction),
               QStringLiteral("menu of an action"));
-    visitMenu(life.cell(QStringLiteral("alpha"), PackageTable::ColumnName),
+    visitMenu(life.table(), life.cell(QStringLiteral("alpha"), PackageTable::ColumnName),
               QStringLiteral("menu of a package"));
 }
 
@@ -181,6 +180,7 @@ void EveryWindow::repositories()
              // The last one that a person would look at: the one with credentials.
              list->setCurrentIndex(list->model()->index(list->model()->rowCount() - 1, 2));
              visit(window, QStringLiteral("repositories with one selected"));
+             visitMenu(list, list->currentIndex(), QStringLiteral("menu of a repository"));
              meet("RepoEditor::ConfigDialog", "VOK Repository Configuration",
                   QStringLiteral("repository"));
              press(window, text(editor, "Edit"));

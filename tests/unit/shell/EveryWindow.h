@@ -7,6 +7,7 @@
 
 class QAction;
 class QMenu;
+class QTableView;
 
 /// Leads a person through every window, dialog and menu of the program, in the language that is
 /// installed.
@@ -31,7 +32,7 @@ private:
               std::function<void(QWidget*)> work = nullptr);
     void meetTitled(const QString& title, const QString& name,
                     std::function<void(QWidget*)> work = nullptr);
-    void visitMenu(const QModelIndex& cell, const QString& name);
+    void visitMenu(QTableView* table, const QModelIndex& cell, const QString& name);
     static void press(QWidget* window, const QString& button, int which = 0);
     void start();
     void description();

@@ -11,6 +11,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QDirIterator>
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
@@ -19,6 +20,7 @@
 #include <QMenuBar>
 #include <QProcess>
 #include <QProgressBar>
+#include <QRegularExpression>
 #include <QSpinBox>
 #include <QTableView>
 #include <QTextEdit>
@@ -176,6 +178,39 @@ private:
         return found;
     }
 
+    /// The windows, dialogs and menus that the headers declare, with their namespaces.
+    static QSet<QString> declaredWindows()
+    {
+        static const QRegularExpression line(
+            "^(?:namespace (\\w+)|(\\}) // namespace.*|class (\\w+) : public (\\w+))$",
+            QRegularExpression::MultilineOption);
+        // What has no comment at its end, being short.
+        static const QRegularExpression announced(
+            "^namespace \\w+\n\\{\n(?:(?:class|struct) \\w+;\n)+\\}$",
+            QRegularExpression::MultilineOption);
+        const QSet<QString> bases{"QDialog", "HDialog", "QMenu", "QMainWindow"};
+        QSet<QString> found;
+        QDirIterator headers(VOK_SOURCE, {"*.h"}, QDir::Files, QDirIterator::Subdirectories);
+        while (headers.hasNext()) {
+            QFile header(headers.next());
+            if (!header.open(QIODevice::ReadOnly))
+                continue;
+            QStringList place;
+            auto lines = line.globalMatch(QString::fromUtf8(header.readAll()).remove(announced));
+            while (lines.hasNext()) {
+                const QRegularExpressionMatch match = lines.next();
+                const QString name = match.captured(3);
+                if (!match.captured(1).isEmpty())
+                    place << match.captured(1);
+                else if (!match.captured(2).isEmpty())
+                    place.removeLast();
+                else if (bases.contains(match.captured(4)) || name.endsWith("Window"))
+                    found << (place + QStringList{name}).join("::");
+            }
+        }
+        return found;
+    }
+
     static inline QStringList focused;
     /// Keeps the names of the table's cells that get the keyboard.
     static void noteFocus(QAccessibleEvent* event)
@@ -185,6 +220,27 @@ private:
     }
 
 private Q_SLOTS:
+    void theRoundComesToEveryKindOfWindow()
+    {
+        QSet<QString> met;
+        EveryWindow round([&](QWidget* window, const QString&) {
+            QList<const QObject*> found{window};
+            const auto menus = window->findChildren<QMenu*>();
+            for (const QMenu* menu : menus)
+                found << menu;
+            for (const QObject* object : qAsConst(found)) {
+                for (const QMetaObject* kind = object->metaObject(); kind;
+                     kind = kind->superClass())
+                    met << kind->className();
+            }
+        });
+        QVERIFY(round.walk());
+        const QSet<QString> declared = declaredWindows();
+        QVERIFY2(declared.size() >= 14, qPrintable(declared.values().join(", ")));
+        const QStringList missing = (declared - met).values();
+        QVERIFY2(missing.isEmpty(), qPrintable(missing.join(", ")));
+    }
+
     void everythingHasAName()
     {
         QStringList nameless;
@@ -201,7 +257,7 @@ private Q_SLOTS:
             }
         });
         QVERIFY(round.walk());
-        QVERIFY2(round.visited.size() >= 18, qPrintable(round.visited.join(", ")));
+        QVERIFY2(round.visited.size() >= 19, qPrintable(round.visited.join(", ")));
         QVERIFY2(nameless.isEmpty(), qPrintable(nameless.join('\n')));
     }
 
