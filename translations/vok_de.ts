@@ -348,7 +348,7 @@ Wenn nicht, wird das Paket gezeigt, dessen Architektur der Basisarchitektur am n
     </message>
     <message>
         <source>Re&amp;size</source>
-        <translation>&amp;Größe</translation>
+        <translation>&amp;Größe anpassen</translation>
     </message>
     <message>
         <source>Resize the columns and window to optimal values</source>
@@ -378,7 +378,7 @@ Die Aktionen werden nicht von selbst angewendet.</translation>
     </message>
     <message>
         <source>Set &amp;Update of Listed</source>
-        <translation>&amp;Updates vormerken</translation>
+        <translation>Akt&amp;ualisierungen vormerken</translation>
     </message>
     <message>
         <source>Sets the Action to Update for any packages which are Installed but Out-of-date,
@@ -422,7 +422,7 @@ Die Aktionen werden nicht von selbst angewendet.</translation>
     </message>
     <message>
         <source>Unlisted Actions</source>
-        <translation>Ungelistete Aktionen</translation>
+        <translation>Nicht gelistete Aktionen</translation>
     </message>
     <message>
         <source>Some packages have actions specified, but because of the current
@@ -890,7 +890,7 @@ ist die Epoche nicht Null, als Epoche:Version-Release</translation>
     </message>
     <message>
         <source>Disable for Session</source>
-        <translation>Vorerst abschalten</translation>
+        <translation>Für diese Sitzung abschalten</translation>
     </message>
     <message>
         <source>Skip All</source>
@@ -1232,11 +1232,11 @@ die mehrere Konfigurationen enthält</translation>
     </message>
     <message>
         <source>Sess</source>
-        <translation>Sitz.</translation>
+        <translation>Sitzung</translation>
     </message>
     <message>
         <source>Perm</source>
-        <translation>Dauer</translation>
+        <translation>Dauerhaft</translation>
     </message>
     <message>
         <source>Identifier</source>
@@ -1379,7 +1379,7 @@ Für eine einzelne Sitzung lässt sich davon abweichen.</translation>
     </message>
     <message>
         <source>Internal error: cannot find python rpm dict</source>
-        <translation>Interner Fehler: das Python-Verzeichnis von rpm fehlt</translation>
+        <translation>Interner Fehler: das Dictionary des Python-Moduls rpm fehlt</translation>
     </message>
     <message>
         <source>Internal error: cannot find python YumIO</source>
@@ -1604,7 +1604,7 @@ Wie möchten Sie fortfahren?</translation>
     </message>
     <message>
         <source>Internal error: yumIO.repos.repos not a dictionary</source>
-        <translation>Interner Fehler: yumIO.repos.repos ist kein Verzeichnis</translation>
+        <translation>Interner Fehler: yumIO.repos.repos ist kein Dictionary</translation>
     </message>
     <message>
         <source>contents</source>
@@ -1957,13 +1957,13 @@ bei, das die Aufrufe enthalten sollte, die dazu führten.</translation>
     <message>
         <source>Unable to %1: metadata unavailable from all repo mirrors:
 %2</source>
-        <translation>Nicht möglich: %1: Die Metadaten sind von keinem der Spiegelserver zu bekommen:
+        <translation>Nicht möglich: %1: die Metadaten sind von keinem der Spiegelserver zu bekommen:
 %2</translation>
     </message>
     <message>
         <source>Unable to %1: a repository&apos;s sqlite database was locked unexpectedly
 On some distributions, PackageKit has been known to cause this.</source>
-        <translation>Nicht möglich: %1: Die sqlite-Datenbank einer Paketquelle war unerwartet gesperrt
+        <translation>Nicht möglich: %1: die sqlite-Datenbank einer Paketquelle war unerwartet gesperrt
 In manchen Distributionen kommt das durch PackageKit vor.</translation>
     </message>
     <message>
