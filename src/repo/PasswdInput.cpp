@@ -61,6 +61,27 @@ PasswdInput::Change PasswdInput::change(const QString& before, const QString& af
     return {head, before.size() - head - tail, after.mid(head, after.size() - head - tail)};
 }
 
+int PasswdInput::boundary(const QString& text, int position, int from)
+{
+    if (position <= 0 || position >= text.size() || !text.at(position).isLowSurrogate() ||
+        !text.at(position - 1).isHighSurrogate())
+        return position;
+    return position < from ? position - 1 : position + 1;
+}
+
+QString PasswdInput::matchable(QString text)
+{
+    for (int i = 0; i < text.size(); ++i) {
+        if (!text.at(i).isSurrogate())
+            continue;
+        if (text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
+            ++i;
+        else
+            text[i] = QChar::ReplacementCharacter;
+    }
+    return text;
+}
+
 void PasswdInput::mask(QString& text, const QRegularExpressionMatch& match, const QWidget* widget)
 {
     const QChar hidden(

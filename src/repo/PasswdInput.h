@@ -26,6 +26,14 @@ struct Change {
 /// are all the same, it is the one that leaves the cursor behind it, at `cursor` in `after`.
 Change change(const QString& before, const QString& after, int cursor);
 
+/// `position`, which was moved there from `from`, or where it would split a character of two code
+/// units, the farther end of that character: the mask lets a cursor stop there.
+int boundary(const QString& text, int position, int from);
+
+/// A text of the same length that an expression can match. In one that isn't valid none does, and
+/// its passwords would show.
+QString matchable(QString text);
+
 /// Replaces what was captured, in `text` of which `match` is a match, with password characters as
 /// `widget` shows them.
 void mask(QString& text, const QRegularExpressionMatch& match, const QWidget* widget);

@@ -99,10 +99,11 @@ void PasswdLineEdit::textChanged(const QString& text)
 QString PasswdLineEdit::masked(const QString& text) const
 {
     QString result = text;
+    const QString valid = PasswdInput::matchable(text);
     // What matches may be the last of several passwords only.
     int end = text.size();
     while (end > 0) {
-        const QRegularExpressionMatch match = regExp.match(text.left(end));
+        const QRegularExpressionMatch match = regExp.match(valid.left(end));
         PasswdInput::mask(result, match, this);
         int start = 0;
         for (int i = match.lastCapturedIndex(); i > 0; --i)
@@ -126,16 +127,19 @@ QString PasswdLineEdit::maskedInsertion(const QString& text, int length) const
 /// by itself depends on how far it is scrolled and on where words end in what is masked here.
 void PasswdLineEdit::alignTwin()
 {
+    const QString text = real->text();
+    const int cursor = PasswdInput::boundary(text, cursorPosition(), real->cursorPosition());
     if (!hasSelectedText()) {
-        real->setCursorPosition(cursorPosition());
+        if (cursor != cursorPosition())
+            setCursorPosition(cursor);
+        real->setCursorPosition(cursor);
         return;
     }
-    const int start = selectionStart();
-    const int length = selectedText().size();
-    if (cursorPosition() == start)
-        real->setSelection(start + length, -length);
-    else
-        real->setSelection(start, length);
+    const int end = cursorPosition() == selectionStart() ? selectionEnd() : selectionStart();
+    const int anchor = PasswdInput::boundary(text, end, cursor);
+    if (anchor != end || cursor != cursorPosition())
+        setSelection(anchor, cursor - anchor);
+    real->setSelection(anchor, cursor - anchor);
 }
 
 /// Brings the two widgets together again: what changed here and not in the twin is made up for
@@ -148,7 +152,10 @@ void PasswdLineEdit::settle()
         return;
     }
     const PasswdInput::Change change = PasswdInput::change(shown, now, cursorPosition());
-    real->setSelection(change.position, change.removed);
+    const QString before = real->text();
+    const int start = PasswdInput::boundary(before, change.position, before.size());
+    const int end = PasswdInput::boundary(before, change.position + change.removed, 0);
+    real->setSelection(start, change.removed > 0 ? end - start : 0);
     real->insert(change.inserted);
     // The twin may have had no room for it.
     if (text() != shown)

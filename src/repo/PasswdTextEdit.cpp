@@ -153,7 +153,7 @@ void PasswdTextEdit::textChanged()
 QString PasswdTextEdit::masked(QString text) const
 {
     for (int from = 0; from <= text.size();) {
-        const QRegularExpressionMatch match = regExp.match(text, from);
+        const QRegularExpressionMatch match = regExp.match(PasswdInput::matchable(text), from);
         if (!match.hasMatch())
             break;
         from = match.capturedEnd() + (match.capturedLength() == 0 ? 1 : 0);
@@ -177,8 +177,14 @@ void PasswdTextEdit::alignTwin()
 {
     const QTextCursor here = textCursor();
     const QTextCursor there = real->textCursor();
-    if (here.anchor() != there.anchor() || here.position() != there.position())
-        select(real, here.anchor(), here.position());
+    const QString text = real->toPlainText();
+    const int position = PasswdInput::boundary(text, here.position(), there.position());
+    const int anchor =
+        here.hasSelection() ? PasswdInput::boundary(text, here.anchor(), position) : position;
+    if (here.anchor() != anchor || here.position() != position)
+        select(this, anchor, position);
+    if (there.anchor() != anchor || there.position() != position)
+        select(real, anchor, position);
 }
 
 /// Brings the two widgets together again: what changed here and not in the twin is made up for
@@ -193,8 +199,11 @@ void PasswdTextEdit::settle()
     const int position = textCursor().position();
     const PasswdInput::Change change = PasswdInput::change(shown, now, position);
     QTextCursor edit(real->document());
-    edit.setPosition(change.position);
-    edit.setPosition(change.position + change.removed, QTextCursor::KeepAnchor);
+    const QString before = real->toPlainText();
+    const int start = PasswdInput::boundary(before, change.position, before.size());
+    const int end = PasswdInput::boundary(before, change.position + change.removed, 0);
+    edit.setPosition(start);
+    edit.setPosition(change.removed > 0 ? end : start, QTextCursor::KeepAnchor);
     edit.insertText(change.inserted);
     select(this, position, position);
     alignTwin();

@@ -237,6 +237,53 @@ void PasswdKeysTest::movesWithoutLosingThePlace()
     QCOMPARE(field->position(), from + 1);
 }
 
+void PasswdKeysTest::neverSplitsACharacter_data()
+{
+    QTest::addColumn<bool>("fromBehind");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<QString>("secret");
+    QTest::newRow("typing before it") << true << int(Qt::Key_X) << QStringLiteral("ax\U0001f600b");
+    QTest::newRow("typing behind it") << false << int(Qt::Key_X) << QStringLiteral("a\U0001f600xb");
+    QTest::newRow("removing it") << false << int(Qt::Key_Backspace) << "ab";
+    QTest::newRow("removing it from behind") << true << int(Qt::Key_Delete) << "ab";
+}
+
+void PasswdKeysTest::neverSplitsACharacter()
+{
+    QFETCH(bool, fromBehind);
+    QFETCH(int, key);
+    QFETCH(QString, secret);
+    // Two code units, and as many password characters.
+    field->setReal(real(QStringLiteral("a\U0001f600b")));
+    QCOMPARE(field->shown(), shown(4));
+    goInto(1);
+    keys(fromBehind ? 2 : 1, Qt::Key_Right);
+    keys(fromBehind ? 2 : 0, Qt::Key_Left);
+    this->key(static_cast<Qt::Key>(key));
+    QCOMPARE(field->real(), real(secret));
+    QCOMPARE(field->shown(), shown(secret.size()));
+}
+
+void PasswdKeysTest::neverSelectsHalfACharacter()
+{
+    field->setReal(real(QStringLiteral("a\U0001f600b")));
+    goInto(1);
+    key(Qt::Key_Right, Qt::ShiftModifier);
+    QCOMPARE(field->selected(), mask(2));
+    type("X");
+    QCOMPARE(field->real(), real("aXb"));
+    QCOMPARE(field->shown(), shown(3));
+}
+
+void PasswdKeysTest::masksATextThatIsNotValid()
+{
+    const QString half = QStringLiteral("\U0001f600").left(1);
+    field->setReal(real('a' + half + 'b'));
+    QCOMPARE(field->shown(), shown(3));
+    field->setReal(real(half) + half);
+    QCOMPARE(field->shown(), shown(1) + half);
+}
+
 void PasswdKeysTest::undoBringsBackTheRealTextMasked()
 {
     goInto(6);

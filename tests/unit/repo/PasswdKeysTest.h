@@ -25,6 +25,10 @@ private Q_SLOTS:
     void removes();
     void movesWithoutLosingThePlace_data();
     void movesWithoutLosingThePlace();
+    void neverSplitsACharacter_data();
+    void neverSplitsACharacter();
+    void neverSelectsHalfACharacter();
+    void masksATextThatIsNotValid();
     void undoBringsBackTheRealTextMasked();
     void undoBringsBackWhatWasCutOrReplaced();
     void opensNoMenuOnARightClick();

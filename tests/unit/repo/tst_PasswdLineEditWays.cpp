@@ -67,6 +67,12 @@ void TestPasswdLineEditWays::followsARemovalByAProgram()
     qobject_cast<QLineEdit*>(field->widget())->backspace();
     QCOMPARE(field->real(), real("hiden"));
     QCOMPARE(field->shown(), shown(5));
+    // All of a character.
+    field->setReal(real(QStringLiteral("a\U0001f600b")));
+    field->setPosition(start() + 3);
+    qobject_cast<QLineEdit*>(field->widget())->backspace();
+    QCOMPARE(field->real(), real("ab"));
+    QCOMPARE(field->shown(), shown(2));
 }
 
 QTEST_MAIN(TestPasswdLineEditWays)
