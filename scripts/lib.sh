@@ -18,7 +18,7 @@ DEBIAN_PACKAGE="rpm debugedit asciidoctor ruby-asciidoctor-pdf"
 DEBIAN_CHECK="clang-format clang-tidy"
 FEDORA_BUILD="gcc-c++ cmake ninja-build pkgconf-pkg-config qt5-qtbase-devel qt5-qtstyleplugins? python3-devel python3-dnf
     python3-rpm"
-FEDORA_DEMO="rpm-build rpm-sign createrepo_c gnupg2 busybox dbus-daemon dejavu-sans-fonts tar util-linux"
+FEDORA_DEMO="rpm-build rpm-sign createrepo_c gnupg2 busybox dbus-daemon dejavu-sans-fonts dejavu-sans-mono-fonts tar util-linux"
 FEDORA_DISPLAY="xorg-x11-server-Xvfb openbox xdotool xprop xwininfo ImageMagick"
 FEDORA_TEST="python3-pyflakes appstream libappstream-glib desktop-file-utils librsvg2-tools ShellCheck zsh strace
     qt5-qttools-devel qt5-qttranslations at-spi2-core
