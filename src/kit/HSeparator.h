@@ -10,4 +10,7 @@ class HSeparator : public QFrame
 
 public:
     explicit HSeparator(QWidget* parent);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
 };
