@@ -12,7 +12,7 @@ DEBIAN_DEMO="rpm createrepo-c gnupg gpg-agent busybox-static dbus fonts-dejavu-c
 DEBIAN_DISPLAY="xvfb openbox xdotool x11-utils imagemagick"
 DEBIAN_TEST="pyflakes3 appstream appstream-util desktop-file-utils librsvg2-bin shellcheck zsh strace
     qttools5-dev qttools5-dev-tools qttranslations5-l10n rpm-i18n at-spi2-core
-    asciidoctor ruby-asciidoctor-pdf mandoc man-db"
+    asciidoctor ruby-asciidoctor-pdf mandoc man-db rpmlint?"
 DEBIAN_FUZZ="clang libclang-rt-dev"
 DEBIAN_PACKAGE="rpm debugedit asciidoctor ruby-asciidoctor-pdf"
 DEBIAN_CHECK="clang-format clang-tidy"
@@ -22,7 +22,7 @@ FEDORA_DEMO="rpm-build rpm-sign createrepo_c gnupg2 busybox dbus-daemon dejavu-s
 FEDORA_DISPLAY="xorg-x11-server-Xvfb openbox xdotool xprop xwininfo ImageMagick"
 FEDORA_TEST="python3-pyflakes appstream libappstream-glib desktop-file-utils librsvg2-tools ShellCheck zsh strace
     qt5-qttools-devel qt5-qttranslations at-spi2-core
-    rubygem-asciidoctor rubygem-asciidoctor-pdf mandoc man-db"
+    rubygem-asciidoctor rubygem-asciidoctor-pdf mandoc man-db rpmlint?"
 FEDORA_FUZZ="clang compiler-rt"
 FEDORA_PACKAGE="rpm-build rubygem-asciidoctor rubygem-asciidoctor-pdf"
 FEDORA_CHECK="clang-tools-extra"

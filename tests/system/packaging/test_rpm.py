@@ -3,6 +3,7 @@
 
 import os
 import re
+import shutil
 import subprocess
 import tempfile
 import unittest
@@ -124,6 +125,28 @@ class Packages(unittest.TestCase):
         folder = "/usr/share/doc/vok-%s" % tree.version()
         for path in (folder + "/html/index.html", folder + "/manual.pdf"):
             self.assertIn(path, self.files("vok-doc"))
+
+    @unittest.skipUnless(shutil.which("rpmlint"), "rpmlint is missing")
+    def test_rpmlint_finds_nothing(self):
+        folder = tree.TOP / "packaging" / "rpm"
+        done = subprocess.run(["rpmlint", "-c", str(folder / "rpmlint.toml"), str(folder / "vok.spec"),
+                               *map(str, self.rpms.values())], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              encoding="utf-8", check=False)
+        self.assertRegex(done.stdout, r"[1-9]\d* packages and 1 specfiles checked")
+        self.assertEqual(re.findall("^.*: [EW]: .*$", done.stdout, re.MULTILINE), [])
+
+    def test_texts_of_a_language_are_left_out_where_it_is_not_wanted(self):
+        marked = self.query(r"[%{filelangs}=%{filenames}\n]").split()
+        self.assertIn("de=/usr/share/vok/translations/vok_de.qm", marked)
+
+    def test_every_command_has_a_man_page(self):
+        owned = self.files()
+        commands = [path for path in owned if path.startswith("/usr/bin/")]
+        self.assertEqual(len(commands), 3)
+        for path in commands:
+            page = "/usr/share/man/man1/%s.1" % os.path.basename(path)
+            # Some systems pack them.
+            self.assertTrue([name for name in owned if name == page or name.startswith(page + ".")], path)
 
     def test_no_scriptlets(self):
         for name in self.binary():
