@@ -225,9 +225,12 @@ private Q_SLOTS:
         QSet<QString> met;
         EveryWindow round([&](QWidget* window, const QString&) {
             QList<const QObject*> found{window};
-            const auto menus = window->findChildren<QMenu*>();
-            for (const QMenu* menu : menus)
-                found << menu;
+            // Other menus are windows to come to.
+            if (const auto* bar = window->findChild<QMenuBar*>()) {
+                const auto menus = bar->findChildren<QMenu*>();
+                for (const QMenu* menu : menus)
+                    found << menu;
+            }
             for (const QObject* object : qAsConst(found)) {
                 for (const QMetaObject* kind = object->metaObject(); kind;
                      kind = kind->superClass())
