@@ -348,7 +348,7 @@ Wenn nicht, wird das Paket gezeigt, dessen Architektur der Basisarchitektur am n
     </message>
     <message>
         <source>Re&amp;size</source>
-        <translation>&amp;Größe anpassen</translation>
+        <translation>Anpa&amp;ssen</translation>
     </message>
     <message>
         <source>Resize the columns and window to optimal values</source>
@@ -378,7 +378,7 @@ Die Aktionen werden nicht von selbst angewendet.</translation>
     </message>
     <message>
         <source>Set &amp;Update of Listed</source>
-        <translation>Akt&amp;ualisierungen vormerken</translation>
+        <translation>&amp;Updates vormerken</translation>
     </message>
     <message>
         <source>Sets the Action to Update for any packages which are Installed but Out-of-date,
