@@ -70,6 +70,7 @@ public:
 
     Blocker& gate() { return blocker; }
 
+    bool startInterpreter() { return Python::initialize(); }
     static bool interpreterRuns() { return Python::initialized; }
 
     /// The log as "KIND LEVEL TEXT" lines, from line `from` on.

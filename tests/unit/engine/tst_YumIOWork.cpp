@@ -2,6 +2,7 @@
 #include "EngineProbe.h"
 
 #include "support/DialogDriver.h"
+#include "support/ProcessPerTest.h"
 
 #include <QDeadlineTimer>
 #include <QTimer>
@@ -199,5 +200,11 @@ void TestYumIOWork::interruptHandlerIsTheSystemsAfterWork()
     QVERIFY(handler() == SIG_DFL);
 }
 
-QTEST_MAIN(TestYumIOWork)
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    TestYumIOWork tests;
+    // Newer rpm modules can be loaded into one interpreter of a process only.
+    return runEachTestInItsOwnProcess(tests, argc, argv);
+}
 #include "tst_YumIOWork.moc"
