@@ -22,6 +22,13 @@ bool isPunctuation(ushort character)
            !(letter >= 'a' && letter <= 'z');
 }
 
+/// Whether fonts have ligatures of three that begin or end like this, even where that of these two
+/// is as wide as they are apart.
+bool isPartOfLigature(ushort left, ushort right)
+{
+    return left == 'f' && (right == 'f' || right == 'i' || right == 'j' || right == 'l');
+}
+
 } // namespace
 
 TextWidth::TextWidth(const QFont& font)
@@ -100,7 +107,8 @@ void TextWidth::measure(Step& step, ushort left, ushort right)
     // Two characters that join to less than the first alone would look unmeasured.
     step.width = static_cast<float>(
         qMax<qreal>(0, m_metrics.horizontalAdvance(QString(pair, 2)) - advance(left)));
-    step.bound = step.width != advance(right) || (isPunctuation(left) && isPunctuation(right));
+    step.bound = step.width != advance(right) || (isPunctuation(left) && isPunctuation(right)) ||
+                 isPartOfLigature(left, right);
 }
 
 qreal TextWidth::advance(ushort character)
