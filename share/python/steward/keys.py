@@ -7,12 +7,18 @@ import tempfile
 import time
 
 import dnf.callback
-import dnf.crypto
+import libdnf.repo
 import yumIOC
 
 from steward.errors import text_of
 from steward.texts import masked
 from yum.Errors import YumBaseError
+
+try:
+    import gpg
+except ImportError:
+    # The package manager gets on without it since it reads keys itself.
+    gpg = None
 
 
 def confirm(lines):
@@ -84,13 +90,10 @@ def read(path, url):
     """
     directory = tempfile.mkdtemp(prefix='vok-keys-')
     try:
-        with open(path, 'rb') as stream, dnf.crypto.pubring_dir(directory), \
-                dnf.crypto.Context() as context:
-            context.op_import(stream.read())
-            # A list that is not read to its end is in the way of the export.
-            found = [_key(context, entry, url) for entry in list(context.keylist())]
+        with open(path, 'rb') as stream:
+            found = _read(stream, url, directory) if gpg else _read_roughly(stream, url)
     except Exception as exc:  # pylint: disable=broad-except
-        # The library has the choice of two bindings to GnuPG, each with exceptions of its own.
+        # Each library has exceptions of its own.
         problem = YumBaseError('%s: the key cannot be read: %s' % (masked(url), text_of(exc)))
     else:
         problem = None if found else YumBaseError('%s: there is no key in it' % masked(url))
@@ -101,17 +104,39 @@ def read(path, url):
     return found
 
 
+def _read(stream, url, directory):
+    """All about the keys in `stream`; `directory` is empty and for this only."""
+    with gpg.Context(home_dir=directory) as context:
+        context.op_import(stream.read())
+        # A list that is not read to its end is in the way of the export.
+        return [_key(context, entry, url) for entry in list(context.keylist())]
+
+
 def _key(context, entry, url):
     main = entry.subkeys[0]
     key = Key(main.keyid, entry.uids[0].uid if entry.uids else '', main.fpr, url, main.timestamp)
     key.ids = tuple(text.lower() for part in entry.subkeys for text in (part.keyid, part.fpr))
     key.revoked = bool(entry.revoked)
     key.expired = bool(entry.expired)
-    with dnf.crypto.Data() as sink:
+    with gpg.Data() as sink:
         context.op_export(main.fpr, 0, sink)
         sink.seek(0, os.SEEK_SET)
         key.data = sink.read()
     return key
+
+
+def _read_roughly(stream, url):
+    """What the package manager's library tells of the keys: not whether they are good still.
+
+    A key that signs with subkeys has an entry for each.
+    """
+    found = []
+    for entry in libdnf.repo.Key.keysFromFd(stream.fileno()):
+        key = Key(entry.getId(), entry.getUserId(), entry.getFingerprint(), url, entry.getTimestamp())
+        key.ids = (key.id.lower(), key.fingerprint.lower())
+        key.data = entry.getAsciiArmoredKey().encode('utf-8')
+        found.append(key)
+    return found
 
 
 class KeyQuestion(dnf.callback.KeyImport):

@@ -315,6 +315,52 @@ class Questions(Signing):
         self.assertNotIn('secret', repr(yumIOC.calls))
 
 
+class RoughQuestions(Signing):
+    """Without the Python module of GnuPG, which newer systems don't bring along."""
+
+    def setUp(self):
+        super().setUp()
+        from steward import keys
+        if not hasattr(keys.libdnf.repo, 'Key'):
+            self.skipTest("an older library of the package manager, which needs the module itself")
+        before, keys.gpg = keys.gpg, None
+        self.addCleanup(setattr, keys, 'gpg', before)
+
+    def test_anUnknownKeyIsAskedForAndImported(self):
+        packages = self.ready({'alpha': 'maker', 'beta': 'maker'})
+        self.check(packages)
+        self.assertEqual(1, len(yumIOC.named('userconfirm')))
+        fingerprint = Keyring.fingerprint('maker')
+        shown = yumIOC.lines('log')
+        for part in ('User ID: Maker <maker@example.org>', 'Key ID: 0x' + fingerprint[-8:],
+                     'Fingerprint: ' + fingerprint, 'Created: 2020-01-02',
+                     'From: %s/maker.asc' % self.server.url):
+            self.assertIn(part, shown)
+        yumIOC.clear()
+        self.check(packages)
+        self.assertEqual([], yumIOC.named('userconfirm'))
+
+    def test_aSubkeyIsFoundInItsKey(self):
+        packages = self.ready({'alpha': 'divided'}, 'gpgkey={url}/divided.asc\n')
+        self.check(packages)
+        self.assertEqual(1, len(yumIOC.named('userconfirm')))
+        yumIOC.clear()
+        self.check(packages)
+        self.assertEqual([], yumIOC.named('userconfirm'))
+
+    def test_aRefusedKeyIsNotImported(self):
+        packages = self.ready({'alpha': 'maker'})
+        yumIOC.answer = 0
+        self.assertIn('Maker <maker@example.org>', self.refused(packages))
+        self.assertEqual([], self.known())
+
+    def test_aKeyFileWithoutAKey(self):
+        with open(os.path.join(self.served, 'empty.asc'), 'w') as stream:
+            stream.write('nothing\n')
+        packages = self.ready({'alpha': 'maker'}, 'gpgkey={url}/empty.asc\n')
+        self.assertRegex(self.refused(packages), r'(?s)alpha.*/empty\.asc')
+
+
 class Agreement(Signing):
     """The decisions are those of the library, which starts a checker for each package."""
 
