@@ -110,9 +110,9 @@ class System:
     """Configuration and base object for one collection, or for one Apply beside it.
 
     `beside` is the System of the collection; its choice of repositories holds for this one too, and
-    its packages stay usable. `file_lists` says whether the library is to know all file names, as a dependency on a file that
-    the packages' own metadata doesn't carry requires. Failures of the configuration are kept in
-    `problem`, and `load` raises them.
+    its packages stay usable. `file_lists` says whether the library is to know all file names, as a
+    dependency on a file that the packages' own metadata doesn't carry requires. Failures of the
+    configuration are kept in `problem`, and `load` raises them.
     """
 
     def __init__(self, meters, file_lists=False, beside=None):
@@ -123,6 +123,9 @@ class System:
         self.problem = None
         self.meters = meters
         self.conf = self._configured()
+        # Newer libraries don't look at file lists otherwise, although they lie there.
+        if file_lists and hasattr(self.conf, 'optional_metadata_types'):
+            self.conf.optional_metadata_types = [*self.conf.optional_metadata_types, 'filelists']
         self._prepare_directories()
         self.base = Base(self.conf, meters, file_lists)
         _CURRENT.append(self)
