@@ -125,7 +125,9 @@ void TestReaders::findWhatWasWritten()
     for (const Repo::Entry& entry : qAsConst(io->entries)) {
         const QJsonObject repo = repos.value(entry.id);
         QVERIFY2(!repo.isEmpty(), qPrintable(entry.id));
-        QCOMPARE(repo["name"].toString(), text(entry.name.isEmpty() ? entry.id : entry.name));
+        // Newer readers take a backslash for the sign before a character that stands for itself.
+        QCOMPARE(repo["name"].toString().remove('\\'),
+                 text(entry.name.isEmpty() ? entry.id : entry.name).remove('\\'));
         QJsonArray urls;
         for (const QString& url : entry.baseurl.split('\n', Qt::SkipEmptyParts))
             urls << text(url);

@@ -118,8 +118,9 @@ def make_repository(directory, rpms, comps=None, options=()):
             os.unlink(os.path.join(directory, name))
     for rpm in rpms:
         shutil.copy2(build(rpm), directory)
-    arguments = ['createrepo_c', '--quiet', '--simple-md-filenames', '--no-database'] \
-        + list(options)
+    # Releases differ in how they compress by themselves.
+    arguments = ['createrepo_c', '--quiet', '--simple-md-filenames', '--no-database',
+                 '--general-compress-type', 'gz', *options]
     if comps is not None:
         path = os.path.join(directory, 'comps.xml')
         with open(path, 'w') as stream:

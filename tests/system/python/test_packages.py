@@ -243,7 +243,11 @@ class Extra(SystemTest):
 
     def test_otherCompressions(self):
         made = self.collect()
-        for option, suffix in (('xz', '.xz'), ('bz2', '.bz2')):
+        options = [('xz', '.xz'), ('bz2', '.bz2')]
+        if 'zstd' in subprocess.run(['createrepo_c', '--help'], check=True, stdout=subprocess.PIPE,
+                                    universal_newlines=True).stdout:
+            options.append(('zstd', '.zst'))
+        for option, suffix in options:
             self.repository('base', [Rpm('rich', **RICH)],
                             options=['--general-compress-type', option])
             made = self.again(made)

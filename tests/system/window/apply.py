@@ -69,7 +69,8 @@ def make_many(place: Path, kept: Path) -> None:
                             "--define", "_rpmdir %s" % made, "--define", "_build_name_fmt %%{NAME}-%%{VERSION}.rpm",
                             "--define", "__spec_install_post %{nil}", "--define", "_binary_payload w.ufdio", str(spec)],
                            check=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
-            subprocess.run(["createrepo_c", "--quiet", "--no-database", str(made)], check=True)
+            subprocess.run(["createrepo_c", "--quiet", "--no-database", "--general-compress-type", "gz",
+                            str(made)], check=True)
             made.rename(kept)
     shutil.rmtree(place)
     # Links: nobody writes to them.
