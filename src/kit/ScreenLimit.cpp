@@ -21,7 +21,8 @@ QSize ScreenLimit::of(const QWidget* widget)
 
 QSize ScreenLimit::windowSize(const QWidget* window)
 {
-    const QSize size = window->sizeHint().boundedTo(of(window));
+    const QSize size =
+        window->sizeHint().boundedTo(of(window)).expandedTo(window->minimumSizeHint());
     // Where a point isn't a whole number of pixels, rounding may cost a window a point of what it
     // asks for, and that is enough to bring up scroll bars.
     const qreal scale = window->devicePixelRatioF();

@@ -12,7 +12,7 @@ namespace ScreenLimit
 /// width and of the height of the screen that the widget is on.
 QSize of(const QWidget* widget);
 
-/// The size that suits a window: its hint, within the limit.
+/// The size that suits a window: its hint, within the limit, but never less than it needs.
 QSize windowSize(const QWidget* window);
 
 } // namespace ScreenLimit

@@ -11,15 +11,18 @@
 class Sized : public QWidget
 {
 public:
-    explicit Sized(QSize hint)
+    explicit Sized(QSize hint, QSize least = QSize())
         : m_hint(hint)
+        , m_least(least)
     {
         resize(hint);
     }
     QSize sizeHint() const override { return m_hint; }
+    QSize minimumSizeHint() const override { return m_least; }
 
 private:
     QSize m_hint;
+    QSize m_least;
 };
 
 /// At a scale of one and a half, where a point isn't a whole number of pixels.
@@ -41,6 +44,12 @@ private Q_SLOTS:
         QCOMPARE(ScreenLimit::windowSize(&small), QSize(101, 71));
         const Sized large(QSize(10000, 70));
         QCOMPARE(ScreenLimit::windowSize(&large), QSize(ScreenLimit::of(&large).width() + 1, 71));
+    }
+
+    void aWindowThatCannotBeSmallerHasItsRoundedPoint()
+    {
+        const Sized wide(QSize(10000, 70), QSize(9000, 60));
+        QCOMPARE(ScreenLimit::windowSize(&wide), QSize(9001, 71));
     }
 
     /// Whatever the place of the window and the width of its text, none of which is lost to
