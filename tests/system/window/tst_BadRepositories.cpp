@@ -42,9 +42,10 @@ public:
     /// Files of the same names each time, which a client may thus see old beside new.
     void publish()
     {
-        QCOMPARE(SandboxRoot::run("createrepo_c",
-                                  {"--quiet", "--no-database", "--simple-md-filenames", path()}),
-                 0);
+        QCOMPARE(
+            SandboxRoot::run("createrepo_c", {"--quiet", "--no-database", "--simple-md-filenames",
+                                              "--general-compress-type=gz", path()}),
+            0);
     }
     /// The section that names it.
     static QByteArray section()
