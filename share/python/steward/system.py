@@ -63,6 +63,11 @@ def is_superuser():
     return dnf.util.am_i_root()
 
 
+def _is_old():
+    """Whether the library lacks calls that are made here; this one came late."""
+    return not hasattr(dnf.Base, 'unload_plugins')
+
+
 class Base(dnf.Base):
     """The library's object, loading repositories that `metadata` has brought up to date."""
 
@@ -144,6 +149,9 @@ class System:
 
     def _configured(self):
         conf = dnf.conf.Conf()
+        if _is_old():
+            self._failed("The package manager's library, dnf %s, is too old for this program"
+                         % dnf.const.VERSION)
         _choose_rpm_database()
         # rpm makes one as soon as it is asked for it.
         self._has_database = os.path.isdir(_database_path())
@@ -216,7 +224,7 @@ class System:
             base.init_plugins()
         except (dnf.exceptions.Error, RuntimeError) as exc:
             LOGGER.error('Plugins: %s', text_of(exc))
-        self._plugins_loaded = bool(self.conf.plugins)
+        self._plugins_loaded = bool(self.conf.plugins) and not _is_old()
         self._run_plugins(base.pre_configure_plugins)
         self._read_repositories()
         self._run_plugins(base.configure_plugins)

@@ -207,6 +207,16 @@ class Configuration(SystemTest):
             made.setupRepos()
         self.assertIn('yum.conf', caught.exception.value)
 
+    def test_aLibraryThatIsTooOldIsARepoErrorOfSetupRepos(self):
+        import dnf
+        self.addCleanup(setattr, dnf.Base, 'unload_plugins', dnf.Base.unload_plugins)
+        del dnf.Base.unload_plugins
+        made = self.make()
+        with self.assertRaises(self.names['yum'].Errors.RepoError) as caught:
+            made.setupRepos()
+        made.flush()
+        self.assertRegex(caught.exception.value, r'dnf \d.* is too old for this program')
+
     def test_aMalformedMainFileIsARepoErrorOfSetupRepos(self):
         self.config('what is this\n')
         made = self.make()
