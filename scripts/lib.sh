@@ -14,7 +14,7 @@ DEBIAN_TEST="pyflakes3 appstream appstream-util desktop-file-utils librsvg2-bin 
     qttools5-dev qttools5-dev-tools qttranslations5-l10n rpm-i18n at-spi2-core
     asciidoctor ruby-asciidoctor-pdf mandoc man-db rpmlint?"
 DEBIAN_FUZZ="clang libclang-rt-dev"
-DEBIAN_PACKAGE="rpm debugedit file asciidoctor ruby-asciidoctor-pdf"
+DEBIAN_PACKAGE="rpm debugedit elfutils file asciidoctor ruby-asciidoctor-pdf"
 DEBIAN_CHECK="clang-format clang-tidy"
 FEDORA_BUILD="gcc-c++ cmake ninja-build pkgconf-pkg-config qt5-qtbase-devel qt5-qtstyleplugins? python3-devel python3-dnf
     python3-rpm"
