@@ -4,7 +4,9 @@
 import logging
 import os
 
+import dnf.comps
 import dnf.exceptions
+import libcomps
 import libdnf.error
 
 from steward.errors import text_of
@@ -28,23 +30,33 @@ class Group:
         self.name = plain(group.ui_name or group.name or group.id)
         self.description = plain(group.ui_description or group.desc)
         self.user_visible = bool(group.visible)
-        self.mandatory_packages = _members(group.mandatory_packages)
-        self.default_packages = _members(group.default_packages)
-        self.optional_packages = _members(group.optional_packages)
-        self.conditional_packages = _members(group.conditional_packages)
+        members = list(group.packages)
+        self.mandatory_packages = _of_type(libcomps.PACKAGE_TYPE_MANDATORY, members)
+        self.default_packages = _of_type(libcomps.PACKAGE_TYPE_DEFAULT, members)
+        self.optional_packages = _of_type(libcomps.PACKAGE_TYPE_OPTIONAL, members)
+        self.conditional_packages = _of_type(libcomps.PACKAGE_TYPE_CONDITIONAL, members)
         self.installed = recorded or (bool(self.mandatory_packages) and
                                       installed_names.issuperset(self.mandatory_packages))
 
 
-def _members(packages):
+def _of_type(wanted, members):
     """Name to the package that a conditional member waits for, which others have none of."""
-    return {plain(package.name): plain(package.requires) for package in packages}
+    return {plain(member.name): plain(member.requires) for member in members
+            if member.type == wanted}
+
+
+def _groups(comps):
+    """`comps.groups`, without the library's own way through them: under Python 3.13 that ends the
+    process with releases of libcomps whose sequences only a function such as list() can go through.
+    """
+    return sorted((comps._build_group(group) for group in list(comps._i.groups)),
+                  key=dnf.comps._fn_display_order)
 
 
 def collect(base, installed_names):
     """The groups of all enabled repositories. Raises GroupsError when there are none."""
     recorded = _recorded(base)
-    found = [Group(group, installed_names, group.id in recorded) for group in base.comps.groups]
+    found = [Group(group, installed_names, group.id in recorded) for group in _groups(base.comps)]
     if not found:
         raise GroupsError(NONE)
     return found
@@ -57,7 +69,7 @@ def _recorded(base):
         return frozenset()
     try:
         history = base.history.group
-        return frozenset(group.id for group in base.comps.groups
+        return frozenset(group.id for group in _groups(base.comps)
                          if history.get(group.id) is not None)
     except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError) as exc:
         LOGGER.warning('The history of installed groups cannot be read: %s', text_of(exc))
