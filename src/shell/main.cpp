@@ -16,9 +16,21 @@
 namespace
 {
 
+/// Whether all that is asked for is the help text, which can be read without a display, too.
+bool wantsHelpOnly(int argc, char** argv)
+{
+    if (argc != 2)
+        return false;
+    const QLatin1String option(argv[1]);
+    return option == QLatin1String("--help") || option == QLatin1String("-h") ||
+           option == QLatin1String("-H");
+}
+
 int run(int& argc, char** argv)
 {
     QtMessages::filter(basename(argv[0]));
+    if (wantsHelpOnly(argc, argv) && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     const DefaultStyle defaultStyle(argc, argv);
     // Icons with all of the dots that the screen has.
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);

@@ -76,6 +76,16 @@ class Launcher(Programs):
         self.launch("--groups", DISPLAY=":0")
         self.assertEqual(self.called(), [["vok", "--groups"]])
 
+    def test_help_is_for_everybody(self):
+        self.command("pkexec")
+        for option in ("--help", "-h", "-H"):
+            self.forget()
+            self.launch(option)
+            self.assertEqual(self.called(), [["vok", option]])
+        self.forget()
+        self.launch("--regexp", "--help", DISPLAY=":0")
+        self.assertEqual([words[0] for words in self.called()], ["pkexec"])
+
     def refusal(self, *, tell=(), **environment):
         """What the box says where the launcher gives up."""
         self.command("zenity")

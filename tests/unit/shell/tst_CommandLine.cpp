@@ -48,11 +48,15 @@ struct Outcome {
     QByteArray errors;
 };
 
-Outcome run(const QStringList& arguments)
+Outcome run(const QStringList& arguments, bool display = true)
 {
     QTemporaryDir home;
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    if (!display) {
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            environment.remove(QLatin1String(name));
+    }
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path());
     process.setProcessEnvironment(environment);
     process.start(QStringLiteral(VOK_EXECUTABLE), arguments);
@@ -145,6 +149,16 @@ private Q_SLOTS:
         QCOMPARE(outcome.status, 1);
         QCOMPARE(outcome.output, QByteArray(usageText));
         QCOMPARE(outcome.errors, QByteArray());
+    }
+
+    void helpNeedsNoDisplay()
+    {
+        for (const char* option : {"--help", "-h", "-H"}) {
+            const Outcome outcome = run({QLatin1String(option)}, false);
+            QCOMPARE(outcome.status, 1);
+            QCOMPARE(outcome.output, QByteArray(usageText));
+            QCOMPARE(outcome.errors, QByteArray());
+        }
     }
 
     void anErrorIsToldBeforeTheUsage_data()
