@@ -54,7 +54,14 @@ class Masks(unittest.TestCase):
                 ("http://anna:geheim wort@host/ http://b/", "http://***@host/ http://b/"),
                 ("http://anna:geheim", "http://***@"),
                 ("http://anna:geheim http://host:8080/", "http://***@ http://host:8080/"),
-                ("'http://host:8080' http://host:$port/ http://[::1]:80/ a@b", "'http://host:8080' http://host:$port/ http://[::1]:80/ a@b")):
+                ("http://:geheim wort@host/", "http://***@host/"),
+                ("https://h/vantry?a=geheim&b=ge/geheim&path=/x", "https://h/vantry?a=***&b=***&path=/x"),
+                ("https://h/vantry?a=geheim&b=ge/geheim", "https://h/vantry?a=***&b=***"),
+                ("https://h/rhel/a=geheim/b=ge&geheim/x", "https://h/rhel/a=***/b=***/x"),
+                ("https://h/rhel/9/a=geheim/b=geheim/x", "https://h/rhel/9/a=***/b=***/x"),
+                ("https://h/rhel/9/x?arch=i386", "https://h/rhel/9/x?arch=i386"),
+                ("'http://host:8080' http://host:$port/ http://[::1]:80/ a@b",
+                 "'http://host:8080' http://host:$port/ http://[::1]:80/ a@b")):
             self.assertEqual(self.report.masked(text), expected)
 
     def test_secret_options_lose_their_values(self):
