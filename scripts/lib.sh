@@ -105,7 +105,7 @@ have_package() {
 # package_exists FAMILY PACKAGE: whether the system's repositories have it.
 package_exists() {
     if [ "$1" = DEBIAN ]; then
-        apt-cache policy "$2" | grep -q '^  Candidate: [^(]'
+        LC_ALL=C apt-cache policy "$2" | grep -q '^  Candidate: [^(]'
     else
         [ -n "$(dnf -q repoquery --whatprovides "$2" 2>/dev/null)" ]
     fi
