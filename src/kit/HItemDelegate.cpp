@@ -27,9 +27,9 @@ void HItemDelegate::drawDisplay(QPainter* painter, const QStyleOptionViewItem& o
     if (option.state & QStyle::State_Enabled) {
         const auto group =
             option.state & QStyle::State_Active ? QPalette::Normal : QPalette::Inactive;
-        const QColor text = option.palette.color(group, QPalette::Text);
-        const QColor shown = Colors::readable(text, option.palette.color(group, QPalette::Base));
-        if (shown != text)
+        const QColor given = option.palette.color(group, QPalette::Text);
+        const QColor shown = Colors::readable(given, option.palette.color(group, QPalette::Base));
+        if (shown != given)
             unwrapped.palette.setColor(group, QPalette::Text, shown);
     }
     QItemDelegate::drawDisplay(painter, unwrapped, rect, text);

@@ -131,8 +131,8 @@ class Packages(unittest.TestCase):
         folder = tree.TOP / "packaging" / "rpm"
         done = subprocess.run(["rpmlint", "-c", str(folder / "rpmlint.toml"), str(folder / "vok.spec"),
                                # What rpm makes for debuggers is as rpm makes it.
-                               *(str(path) for name, path in self.rpms.items() if "-debug" not in name)], stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                              encoding="utf-8", check=False)
+                               *(str(path) for name, path in self.rpms.items() if "-debug" not in name)],
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, encoding="utf-8", check=False)
         self.assertRegex(done.stdout, r"[1-9]\d* packages and 1 specfiles checked")
         self.assertEqual(re.findall("^.*: [EW]: .*$", done.stdout, re.MULTILINE), [])
 
