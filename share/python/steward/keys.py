@@ -130,6 +130,8 @@ def _read_roughly(stream, url):
 
     A key that signs with subkeys has an entry for each.
     """
+    if not hasattr(libdnf.repo, 'Key'):
+        raise YumBaseError('the Python module gpg (package python3-gpg) is missing')
     found = []
     for entry in libdnf.repo.Key.keysFromFd(stream.fileno()):
         key = Key(entry.getId(), entry.getUserId(), entry.getFingerprint(), url, entry.getTimestamp())

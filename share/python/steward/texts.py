@@ -9,6 +9,9 @@ _USERINFO = re.compile(r'([A-Za-z][A-Za-z0-9+.-]*://)[^/\s]*@')
 # The two ways in which a name and a password are written into a repository's URL. The downloader
 # may have moved the query behind the path.
 _QUERY = re.compile(r'(\?[^&=\s]*=)[^&\s]*(&[^&=\s]*=)[^&\s]*(?=&path=)')
+# One that lacks its end is as secret.
+_BROKEN_QUERY = re.compile(r'(/vantry\?)((?:(?!&path=)\S)+)')
+_VALUE = re.compile(r'=[^&\s]*')
 _PATH = re.compile(r'(/rhel/[^/=\s]*=)[^/\s]*(/[^/=\s]*=)[^/\s]*(?=/)')
 
 
@@ -40,6 +43,9 @@ def masked(value):
         text = _USERINFO.sub(r'\1' + MASK + '@', text)
         if '&path=' in text:
             text = _QUERY.sub(r'\1' + MASK + r'\2' + MASK, text)
+        if '/vantry?' in text:
+            text = _BROKEN_QUERY.sub(
+                lambda found: found.group(1) + _VALUE.sub('=' + MASK, found.group(2)), text)
         if '/rhel/' in text:
             text = _PATH.sub(r'\1' + MASK + r'\2' + MASK, text)
     return text

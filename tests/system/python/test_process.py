@@ -114,6 +114,9 @@ class Logs(unittest.TestCase):
                          'http://h/vantry/r?user=bob&word=secret&path=/x '
                          'http://h/rhel/user=bob/word=secret/x')
         self.logger.info('odd \udce9 \0 text')
+        # Half typed, or with the library's file name behind it.
+        self.logger.info('http://h/vantry?user=bob&word=secret http://h/vantry?user=bob '
+                         'http://h/vantry?user=bob&word=secret/repodata/repomd.xml')
         for call in self.logged():
             self.assertNotIn('secret', call[2])
             self.assertNotIn('bob', call[2])
