@@ -55,21 +55,22 @@ def _groups(comps):
 
 def collect(base, installed_names):
     """The groups of all enabled repositories. Raises GroupsError when there are none."""
-    recorded = _recorded(base)
-    found = [Group(group, installed_names, group.id in recorded) for group in _groups(base.comps)]
+    known = _groups(base.comps)
+    recorded = _recorded(base, known)
+    found = [Group(group, installed_names, group.id in recorded) for group in known]
     if not found:
         raise GroupsError(NONE)
     return found
 
 
-def _recorded(base):
-    """Ids of the groups that the package manager itself has installed."""
+def _recorded(base, groups):
+    """Ids of those of the groups that the package manager itself has installed."""
     # Asking would make the file.
     if not os.path.exists(os.path.join(base.conf.persistdir, 'history.sqlite')):
         return frozenset()
     try:
         history = base.history.group
-        return frozenset(group.id for group in _groups(base.comps)
+        return frozenset(group.id for group in groups
                          if history.get(group.id) is not None)
     except (dnf.exceptions.Error, libdnf.error.Error, RuntimeError) as exc:
         LOGGER.warning('The history of installed groups cannot be read: %s', text_of(exc))
