@@ -27,6 +27,11 @@ FEDORA_FUZZ="clang compiler-rt"
 FEDORA_PACKAGE="rpm-build rubygem-asciidoctor rubygem-asciidoctor-pdf"
 FEDORA_CHECK="clang-tools-extra"
 
+# The version of the program, as CMake has it.
+version_of_tree() {
+    sed -n 's/^project(vok VERSION \([0-9.]*\) .*/\1/p' "$TREE/CMakeLists.txt"
+}
+
 say() {
     printf '%s: %s\n' "${0##*/}" "$*" >&2
 }
