@@ -152,8 +152,9 @@ void PasswdTextEdit::textChanged()
 
 QString PasswdTextEdit::masked(QString text) const
 {
+    const QString valid = PasswdInput::matchable(text);
     for (int from = 0; from <= text.size();) {
-        const QRegularExpressionMatch match = regExp.match(PasswdInput::matchable(text), from);
+        const QRegularExpressionMatch match = regExp.match(valid, from);
         if (!match.hasMatch())
             break;
         from = match.capturedEnd() + (match.capturedLength() == 0 ? 1 : 0);
